@@ -1,0 +1,40 @@
+# The compiler's settings for everything that is ours.
+add_library(vantry_settings INTERFACE)
+target_compile_options(vantry_settings INTERFACE -Wall -Wextra -Werror -Wnon-virtual-dtor -Woverloaded-virtual)
+target_compile_definitions(vantry_settings INTERFACE
+    VANTRY_VERSION="${PROJECT_VERSION}" QT_NO_CAST_FROM_ASCII QT_NO_KEYWORDS)
+target_include_directories(vantry_settings INTERFACE ${PROJECT_SOURCE_DIR}/src)
+if(VANTRY_SANITIZE)
+    target_compile_options(vantry_settings INTERFACE -fsanitize=${VANTRY_SANITIZE} -fno-omit-frame-pointer)
+    target_link_options(vantry_settings INTERFACE -fsanitize=${VANTRY_SANITIZE})
+endif()
+
+# vantry_room(NAME [ROOMS room...] [LINK library...])
+#
+# One static library from every source of src/NAME. ROOMS are the rooms it may include, LINK what it uses from outside. All of it is
+# private: a room that needs another one says so itself.
+function(vantry_room name)
+    cmake_parse_arguments(ROOM "" "" "ROOMS;LINK" ${ARGN})
+    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.h)
+    add_library(${name} STATIC ${sources})
+    set_target_properties(${name} PROPERTIES OUTPUT_NAME vantry_${name})
+    target_link_libraries(${name} PRIVATE vantry_settings ${ROOM_ROOMS} ${ROOM_LINK})
+endfunction()
+
+# vantry_test(NAME [SERIAL] [ROOMS room...] [LINK library...])
+#
+# One GoogleTest program from every source of tests/NAME; each of its tests is a test of CTest. SERIAL: the tests share the desktop
+# with each other (windows, the screen's picture, sound devices) and never run side by side with another such test.
+function(vantry_test name)
+    cmake_parse_arguments(TEST "SERIAL" "" "ROOMS;LINK" ${ARGN})
+    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.h)
+    add_executable(test_${name} ${sources})
+    target_link_libraries(test_${name} PRIVATE vantry_settings ${TEST_ROOMS} ${TEST_LINK} GTest::gmock GTest::gtest_main)
+    target_include_directories(test_${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+    set(properties TIMEOUT 120)
+    if(TEST_SERIAL)
+        list(APPEND properties RESOURCE_LOCK desktop)
+    endif()
+    include(GoogleTest)
+    gtest_discover_tests(test_${name} DISCOVERY_MODE PRE_TEST TEST_PREFIX "${name}." PROPERTIES ${properties})
+endfunction()

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "media/MediaTime.h"
+
+#include <string>
+
+namespace vantry {
+
+enum class TrackMedia { Video, Audio };
+
+/// What a movie file says of one of its tracks.
+struct TrackInfo {
+    int index = 0; ///< Its place in the file, as the readers want it.
+    TrackMedia media = TrackMedia::Video;
+    std::string codec; ///< The library's short name: "hevc", "h264", "aac".
+    int width = 0; ///< Video: pixels.
+    int height = 0;
+    int channels = 0; ///< Audio.
+    int sampleRate = 0;
+    MediaTime start {}; ///< When its first picture or sample is presented.
+    MediaTime duration {}; ///< From `start` to the end of its last picture or sample.
+};
+
+} // namespace vantry

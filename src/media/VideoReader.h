@@ -1,0 +1,43 @@
+#pragma once
+
+#include "media/Picture.h"
+#include "media/TrackInfo.h"
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace vantry {
+
+struct TimedPicture {
+    Picture picture;
+    MediaTime time {}; ///< When it is first shown.
+};
+
+/// The movie's video and audio tracks in file order. Throws AppError when it cannot be opened or read.
+std::vector<TrackInfo> readTracks(const std::filesystem::path& movie);
+
+/// Reads the pictures of one track in the order they are shown, whatever its codec and pixel format. One thread at a time.
+class VideoReader {
+public:
+    struct Options {
+        int threads = 1; ///< How many cores the decoder may use.
+    };
+
+    /// Throws AppError when the movie cannot be opened or has no such video track.
+    VideoReader(const std::filesystem::path& movie, int track, Options options);
+    ~VideoReader();
+
+    /// The next call of `next` gives the newest picture at or before `time`, or the first one there is.
+    void seek(MediaTime time);
+
+    /// Nothing at the end of the track. Throws AppError when the movie is damaged beyond decoding.
+    std::optional<TimedPicture> next();
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};
+
+} // namespace vantry

@@ -1,0 +1,60 @@
+#include "base/AppError.h"
+#include "base/Worker.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <vector>
+
+namespace vantry {
+
+TEST(Worker, runsJobsInOrderAndFinishesThemBeforeItGoes)
+{
+    std::vector<int> seen;
+    {
+        Worker worker("order");
+        for (int i = 0; i < 1000; ++i)
+            worker.post([&seen, i] { seen.push_back(i); });
+    }
+    ASSERT_EQ(seen.size(), 1000u);
+    EXPECT_TRUE(std::is_sorted(seen.begin(), seen.end()));
+}
+
+TEST(Worker, syncHandsResultsAndErrorsBack)
+{
+    Worker worker("sync");
+    EXPECT_EQ(worker.sync([] { return 42; }), 42);
+    EXPECT_THROW(worker.sync([]() -> int { throw AppError("no"); }), AppError);
+    EXPECT_EQ(worker.sync([] { return 1; }), 1);
+}
+
+TEST(Worker, aFullDroppingWorkerRefusesAndGoesOnLater)
+{
+    Worker worker("full", { .capacity = 1, .whenFull = WhenFull::Drop });
+    std::promise<void> started, release;
+    ASSERT_TRUE(worker.tryPost([&] {
+        started.set_value();
+        release.get_future().wait();
+    }));
+    started.get_future().wait();
+    EXPECT_TRUE(worker.tryPost([] {}));
+    EXPECT_FALSE(worker.tryPost([] {}));
+    release.set_value();
+    while (!worker.tryPost([] {}))
+        std::this_thread::yield();
+}
+
+TEST(BoundedQueue, closeEndsEveryWaitAndGivesWhatIsLeft)
+{
+    BoundedQueue<int> queue(1);
+    ASSERT_TRUE(queue.push(1));
+    std::atomic<bool> refused = false;
+    std::thread pusher([&] { refused = !queue.push(2); });
+    queue.close();
+    pusher.join();
+    EXPECT_TRUE(refused);
+    EXPECT_EQ(queue.pop(), 1);
+    EXPECT_EQ(queue.pop(), std::nullopt);
+}
+
+} // namespace vantry
