@@ -19,6 +19,7 @@ function(vantry_room name)
     add_library(${name} STATIC ${sources})
     set_target_properties(${name} PROPERTIES OUTPUT_NAME vantry_${name})
     target_link_libraries(${name} PRIVATE vantry_settings ${ROOM_ROOMS} ${ROOM_LINK})
+    set_property(GLOBAL APPEND PROPERTY VANTRY_ROOMS ${name})
 endfunction()
 
 # vantry_test(NAME [SERIAL] [ROOMS room...] [LINK library...])
