@@ -1,0 +1,16 @@
+#pragma once
+
+#include "project/Project.h"
+
+#include <string>
+#include <vector>
+
+namespace vantry {
+
+/// What is said in the kept parts of all clips, in project time and timeline order.
+std::vector<Line> transcript(const Project&);
+
+/// The same as text: a line for each, "[1:05] Welcome back".
+std::string transcriptText(const Project&);
+
+} // namespace vantry
