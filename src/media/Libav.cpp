@@ -2,6 +2,13 @@
 
 namespace vantry::libav {
 
+namespace {
+
+/// The library tells of its steps on standard error; only what is amiss is worth a line there.
+[[maybe_unused]] const bool isQuiet = (av_log_set_level(AV_LOG_WARNING), true);
+
+} // namespace
+
 std::string errorText(int code)
 {
     char text[AV_ERROR_MAX_STRING_SIZE] = {};

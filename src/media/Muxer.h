@@ -1,9 +1,11 @@
 #pragma once
 
+#include "media/MediaTime.h"
 #include "media/Packet.h"
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 
 namespace vantry {
 
@@ -11,11 +13,14 @@ class VideoEncoder;
 class AudioEncoder;
 
 enum class MovieFormat {
-    Clip, ///< QuickTime, as recorded.
-    Publish, ///< MP4 with the header first and without edit lists.
+    Clip, ///< QuickTime, as recorded: tracks may begin late, pictures have times of their own.
+    Publish, ///< MP4 with the header first and without edit lists: every track begins at 0.
 };
 
-/// Writes one movie file. One thread at a time.
+/// Writes one movie file. Time 0 of every encoder is the movie's time 0, to the sample. One thread at a time.
+///
+/// AAC decodes to some silence ahead of the first sample. A clip's edit list tells readers to cut it off; a published movie leaves
+/// out the packet that makes it, at the price of a fade-in within the sound's first 21 ms.
 class Muxer {
 public:
     /// Throws AppError when the file cannot be made.
@@ -29,11 +34,13 @@ public:
     /// Writes the header. Throws AppError.
     void start();
 
-    /// Packets of one track come in the order its encoder made them. Throws AppError, for example on a full disk.
+    /// Packets of one track come in the order its encoder made them. A track that never gets one is not in the file. Throws
+    /// AppError, for example on a full disk.
     void write(int track, Packet packet);
 
-    /// Completes the file and makes it durable. Throws AppError. A muxer that is destroyed without it leaves an incomplete file.
-    void finish();
+    /// Completes the file and makes it durable. With an `end`, each video track's last picture lasts until then. Throws AppError,
+    /// also for what went wrong unnoticed before. A muxer that is destroyed without it leaves an incomplete file.
+    void finish(std::optional<MediaTime> end = std::nullopt);
 
 private:
     struct State;

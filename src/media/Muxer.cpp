@@ -1,0 +1,142 @@
+#include "media/Muxer.h"
+
+#include "media/AudioEncoder.h"
+#include "media/DurableFile.h"
+#include "media/Libav.h"
+#include "media/VideoEncoder.h"
+
+#include <cassert>
+
+namespace vantry {
+
+namespace {
+
+/// Divides into both pictures' and samples' times, so that a late track's empty edit is exact.
+constexpr const char* movieTimescale = "720000";
+
+void closeOutput(AVFormatContext** output)
+{
+    avio_closep(&(*output)->pb);
+    avformat_free_context(*output);
+    *output = nullptr;
+}
+
+using OutputPtr = std::unique_ptr<AVFormatContext, libav::Deleter<closeOutput>>;
+
+struct OutputTrack {
+    AVStream* stream = nullptr;
+    AVRational timeBase{}; ///< Of the encoder's packets.
+    Packet last; ///< Video only: waits until it is known how long its picture lasts.
+};
+
+} // namespace
+
+struct Muxer::State {
+    std::filesystem::path file;
+    MovieFormat format;
+    OutputPtr output;
+    std::vector<OutputTrack> tracks;
+
+    std::string what() const { return "Could not write " + file.filename().string(); }
+    int addTrack(const AVCodecContext& encoder);
+    bool isLeftOut(const OutputTrack& track, const AVPacket& packet) const;
+    void hand(OutputTrack& track, Packet packet);
+};
+
+int Muxer::State::addTrack(const AVCodecContext& encoder)
+{
+    AVStream* stream = avformat_new_stream(output.get(), nullptr);
+    if (!stream)
+        throw std::bad_alloc();
+    libav::check(avcodec_parameters_from_context(stream->codecpar, &encoder), what());
+    stream->time_base = encoder.time_base;
+    tracks.push_back({ .stream = stream, .timeBase = encoder.time_base, .last = nullptr });
+    return stream->index;
+}
+
+/// The packet with nothing but the encoder's priming, where no edit list could say so.
+bool Muxer::State::isLeftOut(const OutputTrack& track, const AVPacket& packet) const
+{
+    return format == MovieFormat::Publish && track.stream->codecpar->codec_type == AVMEDIA_TYPE_AUDIO && packet.pts < 0;
+}
+
+void Muxer::State::hand(OutputTrack& track, Packet packet)
+{
+    packet->stream_index = track.stream->index;
+    av_packet_rescale_ts(packet.get(), track.timeBase, track.stream->time_base);
+    // An export's tracks need not come in step, a clip's do: there nothing waits in memory for a camera that does not deliver.
+    if (format == MovieFormat::Publish)
+        libav::check(av_interleaved_write_frame(output.get(), packet.get()), what());
+    else
+        libav::check(av_write_frame(output.get(), packet.get()), what());
+}
+
+Muxer::Muxer(const std::filesystem::path& file, MovieFormat format)
+    : m_state(new State{ .file = file, .format = format, .output = nullptr, .tracks = {} })
+{
+    // The protocol is named because a file's name may hold a colon.
+    const std::string url = "file:" + file.string();
+    AVFormatContext* output = nullptr;
+    libav::check(avformat_alloc_output_context2(&output, nullptr, format == MovieFormat::Clip ? "mov" : "mp4", url.c_str()),
+        m_state->what());
+    m_state->output.reset(output);
+    libav::check(avio_open(&output->pb, url.c_str(), AVIO_FLAG_WRITE), m_state->what());
+}
+
+Muxer::~Muxer() = default;
+
+int Muxer::addTrack(const VideoEncoder& encoder)
+{
+    const int track = m_state->addTrack(encoder.context());
+    m_state->tracks.back().stream->sample_aspect_ratio = encoder.context().sample_aspect_ratio;
+    return track;
+}
+
+int Muxer::addTrack(const AudioEncoder& encoder)
+{
+    return m_state->addTrack(encoder.context());
+}
+
+void Muxer::start()
+{
+    auto& output = *m_state->output;
+    const auto set = [&](const char* option, const char* value) {
+        libav::check(av_opt_set(output.priv_data, option, value, 0), m_state->what());
+    };
+    set("movie_timescale", movieTimescale);
+    if (m_state->format == MovieFormat::Publish) {
+        set("use_editlist", "0");
+        set("movflags", "+faststart+negative_cts_offsets");
+    }
+    libav::check(avformat_write_header(&output, nullptr), m_state->what());
+}
+
+void Muxer::write(int track, Packet packet)
+{
+    auto& target = m_state->tracks.at(static_cast<std::size_t>(track));
+    if (m_state->isLeftOut(target, *packet))
+        return;
+    if (target.stream->codecpar->codec_type == AVMEDIA_TYPE_VIDEO)
+        std::swap(target.last, packet);
+    if (packet)
+        m_state->hand(target, std::move(packet));
+}
+
+void Muxer::finish(std::optional<MediaTime> end)
+{
+    auto& state = *m_state;
+    for (auto& track : state.tracks) {
+        if (!track.last)
+            continue;
+        if (end) {
+            const auto time = av_rescale_q(end->count(), { 1, MediaTime::period::den }, track.timeBase);
+            track.last->duration = std::max<std::int64_t>(time - track.last->pts, 1);
+        }
+        state.hand(track, std::move(track.last));
+    }
+    libav::check(av_write_trailer(state.output.get()), state.what());
+    libav::check(avio_closep(&state.output->pb), state.what());
+    makeDurable(state.file);
+}
+
+} // namespace vantry
