@@ -11,10 +11,11 @@ namespace vantry {
 
 struct TimedSound {
     Sound sound;
-    MediaTime time {}; ///< Of its first sample.
+    MediaTime time{}; ///< Of its first sample.
 };
 
-/// Reads one audio track as floats at `sampleRate`, with as many channels as asked for. Encoder priming is cut off. One thread at a time.
+/// Reads one audio track as floats at `sampleRate`, with as many channels as asked for. Encoder priming is cut off. One thread at a
+/// time.
 class AudioReader {
 public:
     /// Throws AppError when the movie cannot be opened or has no such audio track.

@@ -2,7 +2,9 @@
 
 #include "media/MediaTime.h"
 
+#include <filesystem>
 #include <string>
+#include <vector>
 
 namespace vantry {
 
@@ -17,8 +19,11 @@ struct TrackInfo {
     int height = 0;
     int channels = 0; ///< Audio.
     int sampleRate = 0;
-    MediaTime start {}; ///< When its first picture or sample is presented.
-    MediaTime duration {}; ///< From `start` to the end of its last picture or sample.
+    MediaTime start{}; ///< When its first picture or sample is presented.
+    MediaTime duration{}; ///< From `start` to the end of its last picture or sample.
 };
+
+/// The movie's video and audio tracks in file order. Throws AppError when it cannot be opened or read.
+std::vector<TrackInfo> readTracks(const std::filesystem::path& movie);
 
 } // namespace vantry

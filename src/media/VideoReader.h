@@ -6,17 +6,13 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
-#include <vector>
 
 namespace vantry {
 
 struct TimedPicture {
     Picture picture;
-    MediaTime time {}; ///< When it is first shown.
+    MediaTime time{}; ///< When it is first shown.
 };
-
-/// The movie's video and audio tracks in file order. Throws AppError when it cannot be opened or read.
-std::vector<TrackInfo> readTracks(const std::filesystem::path& movie);
 
 /// Reads the pictures of one track in the order they are shown, whatever its codec and pixel format. One thread at a time.
 class VideoReader {

@@ -1,0 +1,119 @@
+#include "media/Demuxer.h"
+
+#include <algorithm>
+
+namespace vantry {
+
+namespace {
+
+constexpr AVRational mediaTimeBase{ 1, MediaTime::period::den };
+
+MediaTime toMediaTime(std::int64_t time, AVRational timeBase)
+{
+    return MediaTime(av_rescale_q(time, timeBase, mediaTimeBase));
+}
+
+bool isTrackOf(const AVStream& stream, TrackMedia media)
+{
+    return stream.codecpar->codec_type == (media == TrackMedia::Video ? AVMEDIA_TYPE_VIDEO : AVMEDIA_TYPE_AUDIO);
+}
+
+TrackInfo describe(const AVStream& stream)
+{
+    const auto& parameters = *stream.codecpar;
+    const auto first = toMediaTime(stream.start_time == AV_NOPTS_VALUE ? 0 : stream.start_time, stream.time_base);
+    const auto length = toMediaTime(stream.duration == AV_NOPTS_VALUE ? 0 : stream.duration, stream.time_base);
+    const auto start = std::max(first, MediaTime(0)); // An encoder's priming stands before 0 and is not presented.
+    return {
+        .index = stream.index,
+        .media = isTrackOf(stream, TrackMedia::Video) ? TrackMedia::Video : TrackMedia::Audio,
+        .codec = avcodec_get_name(parameters.codec_id),
+        .width = parameters.width,
+        .height = parameters.height,
+        .channels = parameters.ch_layout.nb_channels,
+        .sampleRate = parameters.sample_rate,
+        .start = start,
+        .duration = std::max(first + length - start, MediaTime(0)),
+    };
+}
+
+libav::InputPtr open(const std::filesystem::path& movie, const std::string& complaint)
+{
+    AVFormatContext* input = nullptr;
+    // As a URL, so that a colon in a path is never taken for a protocol.
+    libav::check(avformat_open_input(&input, ("file:" + movie.string()).c_str(), nullptr, nullptr), complaint);
+    return libav::InputPtr(input);
+}
+
+} // namespace
+
+Demuxer::Demuxer(const std::filesystem::path& movie)
+    : m_complaint("Cannot read " + movie.filename().string())
+    , m_input(open(movie, m_complaint))
+{
+    libav::check(avformat_find_stream_info(m_input.get(), nullptr), m_complaint);
+    refuseCutOffFile();
+}
+
+/// A movie whose header stands first opens well after its end was lost; only its index knows.
+void Demuxer::refuseCutOffFile() const
+{
+    const auto size = avio_size(m_input->pb);
+    for (unsigned i = 0; i < m_input->nb_streams; ++i) {
+        auto* stream = m_input->streams[i];
+        const auto* last = avformat_index_get_entry(stream, avformat_index_get_entries_count(stream) - 1);
+        if (size > 0 && last && last->pos + last->size > size)
+            throw AppError(m_complaint + ": The end of the file is missing");
+    }
+}
+
+std::vector<TrackInfo> Demuxer::tracks() const
+{
+    std::vector<TrackInfo> tracks;
+    for (unsigned i = 0; i < m_input->nb_streams; ++i) {
+        const auto& stream = *m_input->streams[i];
+        if (!isTrackOf(stream, TrackMedia::Video) && !isTrackOf(stream, TrackMedia::Audio))
+            continue;
+        tracks.push_back(describe(stream));
+    }
+    return tracks;
+}
+
+void Demuxer::select(int track, TrackMedia media)
+{
+    if (track < 0 || track >= static_cast<int>(m_input->nb_streams) || !isTrackOf(*m_input->streams[track], media))
+        throw AppError(
+            m_complaint + (media == TrackMedia::Video ? ": It has no such video track" : ": It has no such audio track"));
+    m_track = track;
+    for (unsigned i = 0; i < m_input->nb_streams; ++i)
+        m_input->streams[i]->discard = static_cast<int>(i) == track ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
+}
+
+MediaTime Demuxer::time(std::int64_t streamTime) const
+{
+    return toMediaTime(streamTime, stream().time_base);
+}
+
+bool Demuxer::next(AVPacket& packet)
+{
+    for (;;) {
+        av_packet_unref(&packet);
+        const int result = av_read_frame(m_input.get(), &packet);
+        if (result == AVERROR_EOF)
+            return false;
+        libav::check(result, m_complaint);
+        if (packet.stream_index == m_track)
+            return true;
+    }
+}
+
+void Demuxer::seek(MediaTime time)
+{
+    const auto target = av_rescale_q_rnd(time.count(), mediaTimeBase, stream().time_base, AV_ROUND_DOWN);
+    if (av_seek_frame(m_input.get(), m_track, target, AVSEEK_FLAG_BACKWARD) >= 0)
+        return;
+    // Nothing that early: the first keyframe.
+    libav::check(avformat_seek_file(m_input.get(), m_track, INT64_MIN, target, INT64_MAX, 0), m_complaint);
+}
+
+} // namespace vantry

@@ -1,0 +1,216 @@
+#include "media/AudioReader.h"
+#include "media/VideoReader.h"
+
+#include "base/AppError.h"
+#include "support/Command.h"
+#include "support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+
+#include <fstream>
+
+namespace vantry {
+
+namespace {
+
+using namespace std::chrono_literals;
+using namespace test;
+using testing::HasSubstr;
+
+/// Movies of foreign making, by the command line of the media libraries.
+class ReaderTest : public testing::Test {
+protected:
+    std::filesystem::path make(const std::string& name, const std::string& arguments)
+    {
+        const auto file = m_folder / name;
+        runCommand("ffmpeg -v error -y " + arguments + " '" + file.string() + "'");
+        return file;
+    }
+
+    /// 30 pictures a second whose luma counts: 20, 21, 22 … Three B-frames in a row, a keyframe every 15.
+    std::filesystem::path makeCountingMovie(const std::string& name, const std::string& more = "")
+    {
+        return make(name,
+            "-f lavfi -i \"nullsrc=s=64x64:r=30:d=3,format=yuv420p,geq=lum='20+N':cb=128:cr=128\" " + more
+                + " -c:v libx264 -qp 0 -bf 3 -g 15 -x264-params b-adapt=0:scenecut=0");
+    }
+
+    TemporaryFolder m_folder;
+};
+
+int number(const TimedPicture& picture)
+{
+    return picture.picture.plane(PlaneY).row(32)[32] - 20;
+}
+
+/// Where the loudest sample is, in the movie's time.
+MediaTime loudest(AudioReader& reader)
+{
+    float greatest = 0;
+    MediaTime where{};
+    while (const auto sound = reader.next())
+        for (std::size_t i = 0; i < sound->sound.frames(); ++i)
+            if (const float value = std::abs(sound->sound.samples[i * sound->sound.channels]); value > greatest) {
+                greatest = value;
+                where = sound->time + SampleCount(static_cast<std::int64_t>(i));
+            }
+    return where;
+}
+
+std::string errorOf(const std::function<void()>& action)
+{
+    try {
+        action();
+    } catch (const AppError& error) {
+        return error.what();
+    }
+    return "no error";
+}
+
+void readAll(const std::filesystem::path& movie)
+{
+    readTracks(movie);
+    VideoReader reader(movie, 0, {});
+    while (reader.next()) { }
+}
+
+} // namespace
+
+TEST_F(ReaderTest, picturesComeInTheOrderTheyAreShownWithExactTimes)
+{
+    VideoReader reader(makeCountingMovie("a.mov"), 0, { .threads = 2 });
+    int expected = 0;
+    while (const auto picture = reader.next()) {
+        EXPECT_EQ(number(*picture), expected);
+        EXPECT_EQ(picture->time, expected * frameDuration);
+        ++expected;
+    }
+    EXPECT_EQ(expected, 90);
+}
+
+TEST_F(ReaderTest, seekGivesTheNewestPictureAtOrBeforeTheTime)
+{
+    VideoReader reader(makeCountingMovie("a.mov"), 0, {});
+    for (const int wanted : { 44, 0, 89, 15, 14, 13, 30, 31 }) {
+        reader.seek(wanted * frameDuration + MediaTime(1));
+        EXPECT_EQ(number(reader.next().value()), wanted);
+        reader.seek((wanted + 1) * frameDuration - MediaTime(1));
+        EXPECT_EQ(number(reader.next().value()), wanted);
+        if (wanted < 89) {
+            EXPECT_EQ(number(reader.next().value()), wanted + 1);
+        }
+    }
+    reader.seek(-5s);
+    EXPECT_EQ(number(reader.next().value()), 0);
+    reader.seek(1h);
+    EXPECT_EQ(number(reader.next().value()), 89);
+    EXPECT_FALSE(reader.next());
+}
+
+TEST_F(ReaderTest, aLateTrackKeepsItsPlaceOnTheMoviesTimeline)
+{
+    const auto movie = makeCountingMovie(
+        "late.mov", "-itsoffset 0.5 -f lavfi -i \"testsrc=s=64x64:r=30:d=1\" -map 0 -map 1 -fps_mode passthrough");
+    const auto tracks = readTracks(movie);
+    ASSERT_EQ(tracks.size(), 2u);
+    EXPECT_EQ(tracks[0].start, 0s);
+    EXPECT_EQ(tracks[0].duration, 3s);
+    EXPECT_EQ(tracks[1].start, 500ms);
+    EXPECT_EQ(tracks[1].duration, 1s);
+    VideoReader reader(movie, 1, {});
+    EXPECT_EQ(reader.next().value().time, 500ms);
+    reader.seek(0s);
+    EXPECT_EQ(reader.next().value().time, 500ms);
+    reader.seek(800ms);
+    EXPECT_EQ(reader.next().value().time, 800ms);
+}
+
+TEST_F(ReaderTest, soundIsInItsPlaceToTheSampleWithoutTheEncodersPriming)
+{
+    for (const std::string flags : { "", "-movflags frag_keyframe+empty_moov+delay_moov" }) {
+        const auto movie = make("click.mov", "-f lavfi -i aevalsrc=\"eq(n\\,12345):s=48000:d=1\" -c:a aac -b:a 160k " + flags);
+        AudioReader reader(movie, 0, 1);
+        const auto first = reader.next().value();
+        EXPECT_EQ(first.time, 0s);
+        EXPECT_EQ(loudest(reader), SampleCount(12345)) << flags;
+        reader.seek(SampleCount(12345));
+        const auto found = reader.next().value();
+        EXPECT_LE(found.time, SampleCount(12345));
+        EXPECT_GT(found.time + found.sound.length(), SampleCount(12345));
+        reader.seek(200ms);
+        EXPECT_EQ(loudest(reader), SampleCount(12345)) << flags;
+    }
+}
+
+TEST_F(ReaderTest, foreignSoundIsConvertedWithoutChangingItsLevel)
+{
+    const auto mono = make("mono.mov", "-f lavfi -i aevalsrc=\"0.5:s=48000:d=1\" -c:a pcm_s16le");
+    AudioReader reader(mono, 0, 2);
+    const auto sound = reader.next().value().sound;
+    EXPECT_EQ(sound.channels, 2);
+    EXPECT_NEAR(sound.samples[100], 0.5, 1e-3);
+    EXPECT_NEAR(sound.samples[101], 0.5, 1e-3);
+
+    const auto slow = make("44100.mov", "-f lavfi -i aevalsrc=\"0.8*eq(n\\,22050):s=44100:d=1\" -c:a pcm_s16le");
+    AudioReader resampling(slow, 0, 1);
+    EXPECT_EQ(loudest(resampling), SampleCount(24000));
+    AudioReader counting(slow, 0, 1);
+    SampleCount length{};
+    while (const auto piece = counting.next())
+        length += piece->sound.length();
+    EXPECT_NEAR(static_cast<double>(length.count()), 48000, 2);
+}
+
+TEST_F(ReaderTest, everyPixelFormatBecomesLimitedRangeBt709)
+{
+    // Pure red: 63, 102, 240 in 8 bits.
+    const std::string red = "-f lavfi -i color=red:s=62x50:r=30:d=0.2,format=gbrp ";
+    const std::string bt601 =
+        red + "-vf scale=out_color_matrix=bt601:out_range=tv,format=yuv420p -colorspace smpte170m -c:v libx264 -qp 0";
+    const std::string full =
+        red + "-vf scale=out_color_matrix=bt709:out_range=pc,format=yuvj444p -colorspace bt709 -color_range pc -c:v libx264 -qp 0";
+    const std::string tenBit = red
+        + "-vf scale=out_color_matrix=bt709:out_range=tv,format=yuv420p10le -colorspace bt709 -c:v libx265 -x265-params "
+          "log-level=error";
+    for (const auto& arguments : { bt601, full, tenBit, red + "-c:v png", red + "-vf format=bgra -c:v qtrle" }) {
+        VideoReader reader(make("red.mov", arguments), 0, {});
+        const auto picture = reader.next().value().picture;
+        EXPECT_EQ(picture.width(), 62);
+        EXPECT_EQ(picture.height(), 50);
+        EXPECT_NEAR(picture.plane(PlaneY).row(25)[31], 63, 2) << arguments;
+        EXPECT_NEAR(picture.plane(PlaneCb).row(12)[15], 102, 2) << arguments;
+        EXPECT_NEAR(picture.plane(PlaneCr).row(12)[15], 240, 2) << arguments;
+    }
+}
+
+TEST_F(ReaderTest, filesThatCannotBeReadSayWhichAndWhy)
+{
+    EXPECT_EQ(errorOf([&] { readAll(m_folder / "missing.mov"); }), "Cannot read missing.mov: No such file or directory");
+
+    std::ofstream(m_folder / "noise.mov") << std::string(10'000, 'x');
+    EXPECT_THAT(errorOf([&] { readAll(m_folder / "noise.mov"); }), HasSubstr("noise.mov: Invalid data"));
+
+    // The header is lost with the end, or stands first and promises more than there is.
+    const auto headerLast = makeCountingMovie("last.mov");
+    std::filesystem::resize_file(headerLast, std::filesystem::file_size(headerLast) / 2);
+    EXPECT_THAT(errorOf([&] { readAll(headerLast); }), HasSubstr("Cannot read last.mov: "));
+    const auto headerFirst = makeCountingMovie("first.mov", "-movflags faststart");
+    std::filesystem::resize_file(headerFirst, std::filesystem::file_size(headerFirst) - 100);
+    EXPECT_EQ(errorOf([&] { readAll(headerFirst); }), "Cannot read first.mov: The end of the file is missing");
+
+    const auto good = makeCountingMovie("good.mov");
+    EXPECT_THAT(errorOf([&] { AudioReader(good, 0, 1); }), HasSubstr("good.mov: It has no such audio track"));
+    EXPECT_THAT(errorOf([&] { VideoReader(good, 1, {}); }), HasSubstr("good.mov: It has no such video track"));
+}
+
+TEST_F(ReaderTest, damageInsideATrackIsAnErrorThatNamesTheFile)
+{
+    const auto movie = make("damaged.mov", "-f lavfi -i testsrc2=s=320x240:r=30:d=2 -c:v libx264");
+    std::fstream bytes(movie, std::ios::in | std::ios::out | std::ios::binary);
+    bytes.seekp(static_cast<std::streamoff>(std::filesystem::file_size(movie) / 3));
+    bytes << std::string(2000, '\xff');
+    bytes.close();
+    EXPECT_THAT(errorOf([&] { readAll(movie); }), HasSubstr("Cannot read damaged.mov: "));
+}
+
+} // namespace vantry
