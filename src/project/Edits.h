@@ -12,8 +12,8 @@ inline constexpr double layoutMergeDistance = 0.05;
 /// A cut keeps only clips longer than this, in seconds.
 inline constexpr double shortestKeptClip = 0.05;
 
-/// Keeps what lies before `at`: shortens or drops clips and overlays and drops the layout events after it, so that the layout at the cut
-/// stays as it was. The clips' files are left alone.
+/// Keeps what lies before `at`: shortens or drops clips and overlays and drops the layout events after it, so that the layout at
+/// the cut stays as it was. The clips' files are left alone.
 void cut(Project&, double at);
 
 /// From `at` on the layout is `layout` with the bubble in `corner`. A change that changes nothing adds nothing.

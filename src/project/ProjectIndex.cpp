@@ -74,7 +74,7 @@ ProjectIndex::ProjectIndex(const Project& project)
 ProjectIndex::LayoutInForce ProjectIndex::layoutAt(double time) const
 {
     const auto later =
-        std::ranges::upper_bound(m_layouts, time + layoutLookupSlack, {}, [](const auto& entry) { return entry.event.time; });
+        std::ranges::partition_point(m_layouts, [&](const auto& entry) { return entry.event.time <= time + layoutLookupSlack; });
     if (later == m_layouts.begin())
         return { m_firstLayout, std::nullopt };
     return *std::prev(later);

@@ -1,0 +1,35 @@
+#include "project/Transcript.h"
+
+#include "project/Timecode.h"
+
+#include <algorithm>
+
+namespace vantry {
+
+std::vector<Line> transcript(const Project& project)
+{
+    std::vector<Line> spoken;
+    double clipStart = 0;
+    for (const auto& clip : project.clips) {
+        for (const auto& line : clip.transcript.value_or(std::vector<Line>())) {
+            if (line.start < clip.keep)
+                spoken.push_back(
+                    { .start = clipStart + line.start, .end = clipStart + std::min(line.end, clip.keep), .text = line.text });
+        }
+        clipStart += clip.keep;
+    }
+    return spoken;
+}
+
+std::string transcriptText(const Project& project)
+{
+    std::string text;
+    for (const auto& line : transcript(project)) {
+        if (!text.empty())
+            text += '\n';
+        text += '[' + timecode(line.start) + "] " + line.text;
+    }
+    return text;
+}
+
+} // namespace vantry

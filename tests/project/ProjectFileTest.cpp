@@ -1,0 +1,150 @@
+#include "project/ProjectFile.h"
+
+#include "base/AppError.h"
+#include "project/ProjectLimits.h"
+#include "support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+namespace vantry {
+
+using test::TemporaryFolder;
+using testing::StartsWith;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+Project named(const std::string& name)
+{
+    return { .name = name };
+}
+
+std::size_t entries(const fs::path& folder)
+{
+    return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
+}
+
+mode_t permissions(const fs::path& file)
+{
+    return static_cast<mode_t>(fs::status(file).permissions());
+}
+
+template <typename Action>
+std::string errorOf(Action action)
+{
+    try {
+        action();
+        return {};
+    } catch (const AppError& error) {
+        return error.what();
+    }
+}
+
+/// No file grows beyond `size` bytes, as on a full disk.
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t size)
+        : m_handler(std::signal(SIGXFSZ, SIG_IGN))
+    {
+        ::getrlimit(RLIMIT_FSIZE, &m_old);
+        const rlimit limit{ size, m_old.rlim_max };
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+    }
+
+    ~FileSizeLimit()
+    {
+        ::setrlimit(RLIMIT_FSIZE, &m_old);
+        std::signal(SIGXFSZ, m_handler);
+    }
+
+private:
+    rlimit m_old{};
+    void (*m_handler)(int);
+};
+
+} // namespace
+
+TEST(ProjectFile, replacesTheFileAndLeavesNothingBeside)
+{
+    const TemporaryFolder folder;
+    saveProject(named("first"), folder.path());
+    saveProject(named("second"), folder.path());
+    EXPECT_EQ(loadProject(folder.path()).name, "second");
+    EXPECT_EQ(entries(folder.path()), 1u);
+}
+
+TEST(ProjectFile, keepsPermissionsAndGivesNewFilesTheUsual)
+{
+    const TemporaryFolder folder;
+    const auto file = folder / "project.json";
+    const auto oldMask = ::umask(027);
+    saveProject(named("new"), folder.path());
+    ::umask(oldMask);
+    EXPECT_EQ(permissions(file), 0640u);
+    fs::permissions(file, fs::perms(0604));
+    saveProject(named("old"), folder.path());
+    EXPECT_EQ(permissions(file), 0604u);
+}
+
+TEST(ProjectFile, aFailedSaveKeepsTheOldFileAndLeavesNothingBeside)
+{
+    const TemporaryFolder folder;
+    saveProject(named("old"), folder.path());
+    {
+        const FileSizeLimit limit(1000);
+        EXPECT_EQ(errorOf([&] { saveProject(named(std::string(5000, 'a')), folder.path()); }), "project.json: File too large");
+    }
+    EXPECT_NE(errorOf([&] { saveProject(named("\xff"), folder.path()); }), "");
+    EXPECT_EQ(loadProject(folder.path()).name, "old");
+    EXPECT_EQ(entries(folder.path()), 1u);
+}
+
+TEST(ProjectFile, saysWhyItCannotSave)
+{
+    const TemporaryFolder folder;
+    EXPECT_EQ(errorOf([&] { saveProject(Project(), folder / "gone"); }), "project.json: No such file or directory");
+    fs::create_directory(folder / "project.json");
+    EXPECT_EQ(errorOf([&] { saveProject(Project(), folder.path()); }), "project.json: Is a directory");
+    EXPECT_EQ(entries(folder.path()), 1u);
+}
+
+TEST(ProjectFile, saysWhyItCannotLoad)
+{
+    const TemporaryFolder folder;
+    const auto file = folder / "project.json";
+    const auto error = [&] { return errorOf([&] { loadProject(folder.path()); }); };
+    EXPECT_EQ(error(), "project.json: No such file or directory");
+    std::ofstream(file) << "{";
+    EXPECT_EQ(error(), "line 1, column 2: not valid JSON");
+    fs::resize_file(file, largestProjectFile + 1);
+    EXPECT_EQ(error(), "project.json: larger than 64 MB");
+    fs::remove(file);
+    ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+    EXPECT_EQ(error(), "project.json: not a file");
+}
+
+TEST(ProjectFile, aReaderFindsTheOldOrTheNewFile)
+{
+    const TemporaryFolder folder;
+    const std::vector<Project> versions{ named(std::string(100'000, 'a')), named("b") };
+    saveProject(versions[0], folder.path());
+    std::jthread writer([&](std::stop_token stop) {
+        for (std::size_t round = 0; !stop.stop_requested(); ++round)
+            saveProject(versions[round % 2], folder.path());
+    });
+    for (int round = 0; round < 300; ++round) {
+        const auto name = loadProject(folder.path()).name;
+        ASSERT_TRUE(name == versions[0].name || name == versions[1].name);
+    }
+}
+
+} // namespace vantry
