@@ -93,6 +93,11 @@ MutablePlane PictureBuffer::plane(int index)
     return planeOf<std::uint8_t>(*m_frame, index);
 }
 
+Plane PictureBuffer::plane(int index) const
+{
+    return planeOf<const std::uint8_t>(*m_frame, index);
+}
+
 void PictureBuffer::fill(std::uint8_t y, std::uint8_t cb, std::uint8_t cr)
 {
     const std::uint8_t values[] = { y, cb, cr };

@@ -59,6 +59,7 @@ public:
     int width() const;
     int height() const;
     MutablePlane plane(int index);
+    Plane plane(int index) const;
 
     void fill(std::uint8_t y, std::uint8_t cb, std::uint8_t cr);
     void copyFrom(const Picture& picture);

@@ -6,8 +6,8 @@
 
 namespace vantry {
 
-/// A picture with transparency: 32 bits a pixel, in memory blue, green, red, alpha, premultiplied, sRGB, rows from the top and tight.
-/// Immutable and shared.
+/// A picture with transparency: 32 bits a pixel, in memory blue, green, red, alpha, premultiplied, sRGB, rows from the top and
+/// tight. Immutable and shared.
 class Bitmap {
 public:
     Bitmap() = default;

@@ -7,8 +7,8 @@
 
 namespace vantry {
 
-/// Draws the output frames of one composition: background, screen, camera, overlays. What did not change since the last frame is not
-/// made again, so a frame costs what moved in it. Frames may be asked for in any order. One thread at a time.
+/// Draws the output frames of one composition: background, screen, camera, overlays. What did not change since the last frame is
+/// not made again, so a frame costs what moved in it. Frames may be asked for in any order. One thread at a time.
 class Compositor {
 public:
     /// The output's size in pixels, both even.

@@ -13,7 +13,7 @@ using OverlayImages = std::map<Uuid, Bitmap>;
 /// Everything that the compositor needs besides the source pictures. One covers the whole timeline; it is immutable, so a changed
 /// project needs a new one.
 struct RenderInstruction {
-    MediaTime duration {};
+    MediaTime duration{};
     Project project;
     OverlayImages images; ///< By overlay; an overlay without an image is not drawn.
 };
