@@ -54,8 +54,7 @@ void setLayout(Project& project, Layout layout, Corner corner, double at)
     std::erase_if(layouts, [&](const LayoutEvent& event) { return std::abs(event.time - at) < layoutMergeDistance; });
     layouts.push_back({ .time = at, .layout = layout, .corner = corner });
     std::ranges::stable_sort(layouts, {}, &LayoutEvent::time);
-    const auto repeated = std::ranges::unique(layouts, looksTheSame);
-    layouts.erase(repeated.begin(), repeated.end());
+    layouts.erase(std::unique(layouts.begin(), layouts.end(), looksTheSame), layouts.end());
 }
 
 } // namespace vantry

@@ -5,6 +5,12 @@
 
 namespace vantry {
 
+namespace {
+
+constexpr std::size_t usualNumberFound = 8;
+
+} // namespace
+
 IntervalTree::IntervalTree(const std::vector<Interval>& intervals)
 {
     for (std::size_t position = 0; position < intervals.size(); ++position) {
@@ -18,6 +24,7 @@ IntervalTree::IntervalTree(const std::vector<Interval>& intervals)
 std::vector<std::size_t> IntervalTree::holding(double value) const
 {
     std::vector<std::size_t> found;
+    found.reserve(usualNumberFound);
     collect(0, m_nodes.size(), value, found);
     std::ranges::sort(found);
     return found;
