@@ -1,6 +1,9 @@
 #include "media/Demuxer.h"
 
+#include "media/QuickTimeBoxes.h"
+
 #include <algorithm>
+#include <string_view>
 
 namespace vantry {
 
@@ -45,26 +48,21 @@ libav::InputPtr open(const std::filesystem::path& movie, const std::string& comp
     return libav::InputPtr(input);
 }
 
+bool isQuickTime(const AVFormatContext& input)
+{
+    return std::string_view(input.iformat->name).starts_with("mov");
+}
+
 } // namespace
 
 Demuxer::Demuxer(const std::filesystem::path& movie)
     : m_complaint("Cannot read " + movie.filename().string())
     , m_input(open(movie, m_complaint))
 {
+    // The library opens a movie that was cut off as long as it finds something, and then shows less than was recorded.
+    if (isQuickTime(*m_input) && isCutOff(movie))
+        throw AppError(m_complaint + ": The end of the file is missing");
     libav::check(avformat_find_stream_info(m_input.get(), nullptr), m_complaint);
-    refuseCutOffFile();
-}
-
-/// A movie whose header stands first opens well after its end was lost; only its index knows.
-void Demuxer::refuseCutOffFile() const
-{
-    const auto size = avio_size(m_input->pb);
-    for (unsigned i = 0; i < m_input->nb_streams; ++i) {
-        auto* stream = m_input->streams[i];
-        const auto* last = avformat_index_get_entry(stream, avformat_index_get_entries_count(stream) - 1);
-        if (size > 0 && last && last->pos + last->size > size)
-            throw AppError(m_complaint + ": The end of the file is missing");
-    }
 }
 
 std::vector<TrackInfo> Demuxer::tracks() const

@@ -34,8 +34,6 @@ public:
     const std::string& complaint() const { return m_complaint; }
 
 private:
-    void refuseCutOffFile() const;
-
     std::string m_complaint;
     libav::InputPtr m_input;
     int m_track = -1;
