@@ -1,0 +1,22 @@
+#pragma once
+
+#include "render/TrackSound.h"
+
+namespace vantry {
+
+/// A composition's sounds as one: the microphone as it was recorded, other applications at the project's volume. One thread at a
+/// time.
+class AudioMix {
+public:
+    explicit AudioMix(const CompositionPlan& plan);
+
+    /// The next stretch in stereo, from the composition's beginning on; never louder than full scale. Throws AppError.
+    Sound next(SampleCount length);
+
+private:
+    TrackSound m_microphone;
+    TrackSound m_system;
+    const float m_systemVolume;
+};
+
+} // namespace vantry

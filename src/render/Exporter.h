@@ -1,0 +1,41 @@
+#pragma once
+
+#include "media/VideoEncoder.h"
+#include "project/Project.h"
+#include "render/CompositionPlan.h"
+#include "render/RenderInstruction.h"
+
+#include <filesystem>
+#include <functional>
+#include <stop_token>
+
+namespace vantry {
+
+struct ExportOptions {
+    Project project;
+    std::filesystem::path folder; ///< Where the project's clips lie.
+    std::filesystem::path destination; ///< Becomes the new video in one step; until then it stays what it was.
+    int height = 1080; ///< Of the video, in pixels. Even.
+    OverlayImages images{};
+    std::function<void(double fraction)> onProgress{}; ///< Called on the exporting thread, a few times a second.
+    std::stop_token cancel{};
+};
+
+enum class ExportOutcome { Finished, Cancelled };
+
+/// The size of an export: 16:9.
+PictureSize exportSize(int height);
+
+/// How exports are encoded.
+VideoEncoderSettings exportSettings(PictureSize size);
+
+namespace Video {
+
+/// Writes the project as an MP4 that video sites take as it is: H.264 High at a constant 30 frames a second, AAC in stereo when the
+/// project has any sound. Returns when all is done; works on threads of its own besides the calling one. Throws AppError; the
+/// destination is untouched then, and when it was cancelled.
+ExportOutcome exportProject(const ExportOptions& options);
+
+} // namespace Video
+
+} // namespace vantry

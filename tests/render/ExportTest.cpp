@@ -1,0 +1,250 @@
+#include "TestClip.h"
+#include "base/AppError.h"
+#include "render/Exporter.h"
+#include "support/MovieProbe.h"
+#include "support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <csignal>
+#include <fstream>
+#include <sys/resource.h>
+
+namespace vantry {
+
+using namespace test;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::IsSupersetOf;
+using testing::Pair;
+using testing::ThrowsMessage;
+
+namespace {
+
+constexpr std::uint8_t dark = 40;
+constexpr std::uint8_t bright = 220;
+
+class ExportTest : public testing::Test {
+protected:
+    ExportTest()
+    {
+        std::filesystem::create_directory(m_folder / "out");
+        m_project.layouts.push_back({ .time = 0, .layout = Layout::screen });
+    }
+
+    void add(const TestClip& clip, double keep)
+    {
+        const auto name = "clip-" + std::to_string(m_project.clips.size() + 1) + ".mov";
+        writeClip(m_folder / name, clip);
+        m_project.clips.push_back({ .file = name, .duration = clip.frames / 30.0, .keep = keep, .transcript = {} });
+    }
+
+    ExportOptions options() const
+    {
+        return { .project = m_project, .folder = m_folder.path(), .destination = m_destination, .height = 180 };
+    }
+
+    std::function<void()> exporting() const
+    {
+        return [this] { Video::exportProject(options()); };
+    }
+
+    /// What stands in the destination's folder.
+    std::vector<std::string> outcome() const
+    {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(m_destination.parent_path()))
+            names.push_back(entry.path().filename());
+        return names;
+    }
+
+    void putOldVideo() const { std::ofstream(m_destination) << "old"; }
+    bool isOldVideo() const { return std::filesystem::file_size(m_destination) == 3; }
+
+    TemporaryFolder m_folder;
+    const std::filesystem::path m_destination = m_folder / "out" / "Intro.mp4";
+    Project m_project;
+};
+
+std::uint8_t flashAt(int flash, int frame)
+{
+    return frame == flash ? bright : dark;
+}
+
+std::vector<std::size_t> flashes(const std::vector<ProbedFrame>& frames)
+{
+    std::vector<std::size_t> found;
+    for (std::size_t i = 0; i < frames.size(); ++i)
+        if (frames[i].luma > 130)
+            found.push_back(i);
+    return found;
+}
+
+/// Overwrites the beginning of the media data.
+void spoilPictures(const std::filesystem::path& movie)
+{
+    std::fstream file(movie, std::ios::in | std::ios::out | std::ios::binary);
+    const std::string bytes{ std::istreambuf_iterator<char>(file), {} };
+    file.seekp(static_cast<std::streamoff>(bytes.find("mdat") + 4));
+    file << std::string(500, '\xff');
+}
+
+/// The file size that this process may write while it lives, like a disk with so much room left.
+class SmallDisk {
+public:
+    explicit SmallDisk(rlim_t bytes)
+        : m_handler(std::signal(SIGXFSZ, SIG_IGN))
+    {
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        const rlimit small{ bytes, m_before.rlim_max };
+        setrlimit(RLIMIT_FSIZE, &small);
+    }
+    ~SmallDisk()
+    {
+        setrlimit(RLIMIT_FSIZE, &m_before);
+        std::signal(SIGXFSZ, m_handler);
+    }
+
+private:
+    void (*m_handler)(int);
+    rlimit m_before{};
+};
+
+} // namespace
+
+TEST_F(ExportTest, theFileIsWhatVideoSitesTake)
+{
+    add({ .frames = 50, .screen = [](int frame) { return flashAt(20, frame); }, .microphone = [](int) { return 0.1f; } }, 1.65);
+    putOldVideo();
+    double last = 0;
+    auto wanted = options();
+    wanted.height = 720;
+    wanted.onProgress = [&](double fraction) {
+        EXPECT_GT(fraction, last);
+        EXPECT_LE(fraction, 1);
+        last = fraction;
+    };
+    EXPECT_EQ(Video::exportProject(wanted), ExportOutcome::Finished);
+    EXPECT_GT(last, 0);
+    EXPECT_THAT(outcome(), testing::ElementsAre("Intro.mp4"));
+
+    EXPECT_THAT(probeStream(m_destination, "v:0"),
+        IsSupersetOf({ Pair("codec_name", "h264"), Pair("profile", "High"), Pair("width", "1280"), Pair("height", "720"),
+            Pair("pix_fmt", "yuv420p"), Pair("field_order", "progressive"), Pair("color_range", "tv"), Pair("color_space", "bt709"),
+            Pair("color_transfer", "bt709"), Pair("color_primaries", "bt709"), Pair("avg_frame_rate", "30/1"),
+            Pair("r_frame_rate", "30/1"), Pair("has_b_frames", "2"), Pair("start_time", "0.000000"), Pair("nb_frames", "50") }));
+    EXPECT_THAT(probeStream(m_destination, "a:0"),
+        IsSupersetOf({ Pair("codec_name", "aac"), Pair("profile", "LC"), Pair("sample_rate", "48000"), Pair("channels", "2"),
+            Pair("start_time", "0.000000") }));
+    const auto frames = probeFrames(m_destination, "v:0");
+    ASSERT_EQ(frames.size(), 50u);
+    for (std::size_t i = 0; i < frames.size(); ++i) {
+        EXPECT_NEAR(frames[i].time, static_cast<double>(i) / 30, 1e-6);
+        EXPECT_EQ(frames[i].isKeyframe, i % 15 == 0) << i;
+    }
+    const auto boxes = movieBoxes(m_destination);
+    EXPECT_LT(std::ranges::find(boxes, "moov"), std::ranges::find(boxes, "mdat"));
+    EXPECT_EQ(std::ranges::count(boxes, "moov/trak"), 2);
+    EXPECT_EQ(std::ranges::count(boxes, "moov/trak/edts"), 0);
+    const auto permissions = std::filesystem::status(m_destination).permissions();
+    EXPECT_NE(permissions & std::filesystem::perms::owner_read, std::filesystem::perms::none);
+}
+
+TEST_F(ExportTest, everyHeightHasItsWidth)
+{
+    EXPECT_EQ(exportSize(720), (PictureSize{ 1280, 720 }));
+    EXPECT_EQ(exportSize(1080), (PictureSize{ 1920, 1080 }));
+    EXPECT_EQ(exportSize(1440), (PictureSize{ 2560, 1440 }));
+    EXPECT_EQ(exportSize(2160), (PictureSize{ 3840, 2160 }));
+    EXPECT_EQ(exportSize(180).width % 2, 0);
+    EXPECT_EQ(exportSize(122), (PictureSize{ 216, 122 }));
+    EXPECT_THROW(exportSize(721), AppError);
+    EXPECT_THROW(exportSize(0), AppError);
+}
+
+TEST_F(ExportTest, soundAndPictureStayTogetherAcrossClips)
+{
+    // A flash and a click at the same instant of each clip; the second clip's are moved by what is kept of the first.
+    const auto clickAt = [](int click) {
+        return [click](int sample) { return sample >= click && sample < click + 8 ? 0.9f : 0.0f; };
+    };
+    add({ .frames = 60, .screen = [](int frame) { return flashAt(12, frame); }, .microphone = clickAt(12 * 1600) }, 1.5);
+    add({ .frames = 60, .screen = [](int frame) { return flashAt(7, frame); }, .microphone = clickAt(7 * 1600) }, 1.1);
+    Video::exportProject(options());
+
+    EXPECT_THAT(flashes(probeFrames(m_destination, "v:0")), testing::ElementsAre(12, 45 + 7));
+    EXPECT_EQ(probeStream(m_destination, "v:0").at("nb_frames"), "78");
+    auto sound = probeSound(m_destination, "a:0");
+    const auto isNear = [](int sample, int expected) { return std::abs(sample - expected) <= 2; };
+    EXPECT_TRUE(isNear(firstClick(sound, 2), 12 * 1600)) << firstClick(sound, 2);
+    EXPECT_NEAR(sound[2 * 12 * 1600 + 4], sound[2 * 12 * 1600 + 5], 1e-3); // A mono microphone sounds from both sides.
+    sound.erase(sound.begin(), sound.begin() + 2 * 30'000);
+    EXPECT_TRUE(isNear(firstClick(sound, 2) + 30'000, (45 + 7) * 1600)) << firstClick(sound, 2);
+    EXPECT_NEAR(probeEnd(m_destination, "a:0"), 2.6, 0.03);
+}
+
+TEST_F(ExportTest, aSilentProjectHasNoSoundTrack)
+{
+    add({ .frames = 10, .camera = [](int) { return dark; } }, 0.3);
+    Video::exportProject(options());
+    EXPECT_EQ(probeStream(m_destination, "v:0").at("nb_frames"), "9");
+    EXPECT_TRUE(probeStream(m_destination, "a:0").empty());
+}
+
+TEST_F(ExportTest, aFailureLeavesWhatWasThere)
+{
+    putOldVideo();
+    EXPECT_THAT(exporting(), ThrowsMessage<AppError>("Nothing recorded yet"));
+    add({ .frames = 60, .camera = [](int) { return dark; } }, 2);
+    add({ .frames = 60 }, 2);
+    const auto second = m_folder / "clip-2.mov";
+    spoilPictures(second); // Which is found only while the export runs.
+    EXPECT_THAT(exporting(), ThrowsMessage<AppError>(HasSubstr("Cannot read clip-2.mov")));
+    std::filesystem::resize_file(second, std::filesystem::file_size(second) / 2);
+    EXPECT_THAT(exporting(), ThrowsMessage<AppError>(HasSubstr("Cannot read clip-2.mov")));
+    std::filesystem::remove(second);
+    EXPECT_THAT(exporting(), ThrowsMessage<AppError>("Cannot read clip-2.mov: No such file or directory"));
+    EXPECT_THAT(outcome(), testing::ElementsAre("Intro.mp4"));
+    EXPECT_TRUE(isOldVideo());
+}
+
+TEST_F(ExportTest, aCancelledExportLeavesNothing)
+{
+    add({ .frames = 300 }, 10);
+    std::stop_source stop;
+    auto wanted = options();
+    wanted.cancel = stop.get_token();
+    wanted.onProgress = [&](double) { stop.request_stop(); };
+    EXPECT_EQ(Video::exportProject(wanted), ExportOutcome::Cancelled);
+    EXPECT_TRUE(outcome().empty());
+
+    // Before it began.
+    putOldVideo();
+    EXPECT_EQ(Video::exportProject(wanted), ExportOutcome::Cancelled);
+    EXPECT_THAT(outcome(), testing::ElementsAre("Intro.mp4"));
+    EXPECT_TRUE(isOldVideo());
+}
+
+TEST_F(ExportTest, aFullDiskIsSaidInClearWordsAndLeavesNothing)
+{
+    add({ .frames = 120, .microphone = [](int sample) { return static_cast<float>(sample % 97) / 97; } }, 4);
+    {
+        const SmallDisk disk(50'000);
+        EXPECT_THAT(exporting(), ThrowsMessage<AppError>("Could not write Intro.mp4: File too large"));
+    }
+    EXPECT_TRUE(outcome().empty());
+}
+
+TEST_F(ExportTest, aPlaceThatCannotBeWrittenIsSaidAtOnce)
+{
+    add({ .frames = 3 }, 0.1);
+    auto wanted = options();
+    wanted.destination = m_folder / "none" / "Intro.mp4";
+    EXPECT_THAT(
+        [&] { Video::exportProject(wanted); }, ThrowsMessage<AppError>("Could not write Intro.mp4: No such file or directory"));
+    wanted.destination = m_folder / "out";
+    EXPECT_THAT([&] { Video::exportProject(wanted); }, ThrowsMessage<AppError>("Could not write out: Is a directory"));
+}
+
+} // namespace vantry
