@@ -53,7 +53,8 @@ AxisMap::AxisMap(const Mapping& mapping, int first, int last, int sourceSize)
     };
 
     m_isCopy = std::abs(ratio - 1) < 1e-9 && std::abs(centre(first) - std::round(centre(first))) < 1e-6;
-    m_taps = m_isCopy ? 1 : std::min(static_cast<int>(std::ceil(2 * support)) + 1, high - low + 1);
+    const int reach = m_isCopy ? 1 : static_cast<int>(std::ceil(2 * support)); // Source samples under the curve.
+    m_taps = std::min(reach, high - low + 1);
     m_paddedTaps = (m_taps + 7) / 8 * 8;
     const auto count = static_cast<std::size_t>(m_last - m_first);
     m_starts.resize(count);
@@ -62,8 +63,8 @@ AxisMap::AxisMap(const Mapping& mapping, int first, int last, int sourceSize)
     std::vector<double> weights(static_cast<std::size_t>(m_taps));
     for (int destination = m_first; destination < m_last; ++destination) {
         const double middle = centre(destination);
-        const int from = m_isCopy ? static_cast<int>(std::lround(middle)) : static_cast<int>(std::ceil(middle - support));
-        const int to = m_isCopy ? from : static_cast<int>(std::floor(middle + support));
+        const int from = m_isCopy ? static_cast<int>(std::lround(middle)) : static_cast<int>(std::floor(middle - support)) + 1;
+        const int to = from + reach - 1;
         const int start = std::clamp(from, low, high + 1 - m_taps);
         std::fill(weights.begin(), weights.end(), 0.0);
         for (int source = from; source <= to; ++source)

@@ -39,18 +39,33 @@ void horizontalPortable(
 
 #if defined(__x86_64__)
 
+constexpr int mostKeptTaps = 64; ///< So many weights are spread over a vector once a row instead of once a block.
+
+/// Sixteen samples times a weight, with six bits behind the point.
+__attribute__((target("avx2"))) inline __m256i weighted(const std::uint8_t* samples, __m256i weight)
+{
+    const auto words = _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(samples)));
+    return _mm256_mulhrs_epi16(_mm256_slli_epi16(words, sampleShift), weight);
+}
+
 __attribute__((target("avx2"))) void verticalAvx2(
     std::int16_t* out, const std::uint8_t* const* rows, const std::int16_t* weights, int taps, int count)
 {
+    if (taps > mostKeptTaps)
+        return verticalPortable(out, rows, weights, taps, count);
+    alignas(32) __m256i spread[mostKeptTaps];
+    for (int t = 0; t < taps; ++t)
+        spread[t] = _mm256_set1_epi16(weights[t]);
     int i = 0;
-    for (; i + 16 <= count; i += 16) {
-        auto sum = _mm256_setzero_si256();
+    for (; i + 32 <= count; i += 32) {
+        auto first = _mm256_setzero_si256();
+        auto second = _mm256_setzero_si256();
         for (int t = 0; t < taps; ++t) {
-            const auto bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(rows[t] + i));
-            const auto samples = _mm256_slli_epi16(_mm256_cvtepu8_epi16(bytes), sampleShift);
-            sum = _mm256_add_epi16(sum, _mm256_mulhrs_epi16(samples, _mm256_set1_epi16(weights[t])));
+            first = _mm256_add_epi16(first, weighted(rows[t] + i, spread[t]));
+            second = _mm256_add_epi16(second, weighted(rows[t] + i + 16, spread[t]));
         }
-        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + i), sum);
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + i), first);
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + i + 16), second);
     }
     for (; i < count; ++i) {
         int sum = 0;
@@ -60,33 +75,57 @@ __attribute__((target("avx2"))) void verticalAvx2(
     }
 }
 
-/// The products of the eight values from `in` on, as four sums.
-__attribute__((target("avx2"))) inline __m128i products(const std::int16_t* in, const std::int16_t* weights, int taps)
+__attribute__((target("avx2"))) inline __m256i loadTwo(const std::int16_t* low, const std::int16_t* high)
 {
-    auto sum = _mm_setzero_si128();
+    const auto* lowHalf = reinterpret_cast<const __m128i*>(low);
+    const auto* highHalf = reinterpret_cast<const __m128i*>(high);
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128(lowHalf)), _mm_loadu_si128(highHalf), 1);
+}
+
+/// Two results side by side: four partial sums of each.
+template <bool eightTaps>
+__attribute__((target("avx2"))) inline __m256i products(
+    const std::int16_t* in, const int* starts, const std::int16_t* weights, int taps)
+{
+    const auto* first = in + starts[0];
+    const auto* second = in + starts[1];
+    if constexpr (eightTaps)
+        return _mm256_madd_epi16(loadTwo(first, second), _mm256_loadu_si256(reinterpret_cast<const __m256i*>(weights)));
+    auto sum = _mm256_setzero_si256();
     for (int t = 0; t < taps; t += 8)
-        sum = _mm_add_epi32(sum,
-            _mm_madd_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(in + t)),
-                _mm_loadu_si128(reinterpret_cast<const __m128i*>(weights + t))));
+        sum = _mm256_add_epi32(sum, _mm256_madd_epi16(loadTwo(first + t, second + t), loadTwo(weights + t, weights + taps + t)));
     return sum;
 }
 
+template <bool eightTaps>
 __attribute__((target("avx2"))) void horizontalAvx2(
     std::uint8_t* out, const std::int16_t* in, const int* starts, const std::int16_t* weights, int taps, int count)
 {
-    const auto half = _mm_set1_epi32(1 << (resultShift - 1));
+    const auto half = _mm256_set1_epi32(1 << (resultShift - 1));
     int i = 0;
-    for (; i + 4 <= count; i += 4) {
-        const auto* w = weights + static_cast<std::ptrdiff_t>(i) * taps;
-        const auto first = _mm_hadd_epi32(products(in + starts[i], w, taps), products(in + starts[i + 1], w + taps, taps));
-        const auto second =
-            _mm_hadd_epi32(products(in + starts[i + 2], w + 2 * taps, taps), products(in + starts[i + 3], w + 3 * taps, taps));
-        const auto sums = _mm_srai_epi32(_mm_add_epi32(_mm_hadd_epi32(first, second), half), resultShift);
-        const auto words = _mm_packs_epi32(sums, sums);
-        const int bytes = _mm_cvtsi128_si32(_mm_packus_epi16(words, words));
-        std::memcpy(out + i, &bytes, 4);
+    for (; i + 8 <= count; i += 8, weights += 8 * taps) {
+        // Even results end in the lower half, odd ones in the upper.
+        const auto a = products<eightTaps>(in, starts + i, weights, taps);
+        const auto b = products<eightTaps>(in, starts + i + 2, weights + 2 * taps, taps);
+        const auto c = products<eightTaps>(in, starts + i + 4, weights + 4 * taps, taps);
+        const auto d = products<eightTaps>(in, starts + i + 6, weights + 6 * taps, taps);
+        const auto quads = _mm256_hadd_epi32(_mm256_hadd_epi32(a, b), _mm256_hadd_epi32(c, d));
+        const auto sums = _mm256_srai_epi32(_mm256_add_epi32(quads, half), resultShift);
+        const auto even = _mm256_castsi256_si128(sums);
+        const auto odd = _mm256_extracti128_si256(sums, 1);
+        const auto words = _mm_packs_epi32(_mm_unpacklo_epi32(even, odd), _mm_unpackhi_epi32(even, odd));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(out + i), _mm_packus_epi16(words, words));
     }
-    horizontalPortable(out + i, in, starts + i, weights + static_cast<std::ptrdiff_t>(i) * taps, taps, count - i);
+    horizontalPortable(out + i, in, starts + i, weights, taps, count - i);
+}
+
+void horizontalAvx2Any(
+    std::uint8_t* out, const std::int16_t* in, const int* starts, const std::int16_t* weights, int taps, int count)
+{
+    if (taps == 8)
+        horizontalAvx2<true>(out, in, starts, weights, taps, count);
+    else
+        horizontalAvx2<false>(out, in, starts, weights, taps, count);
 }
 
 #endif
@@ -102,7 +141,7 @@ const ScaleKernels& portableScaleKernels()
 const ScaleKernels& scaleKernels()
 {
 #if defined(__x86_64__)
-    static constexpr ScaleKernels avx2{ verticalAvx2, horizontalAvx2 };
+    static constexpr ScaleKernels avx2{ verticalAvx2, horizontalAvx2Any };
     static const bool hasAvx2 = __builtin_cpu_supports("avx2") != 0;
     if (hasAvx2)
         return avx2;
