@@ -5,7 +5,7 @@ target_compile_definitions(vantry_settings INTERFACE
     VANTRY_VERSION="${PROJECT_VERSION}" QT_NO_CAST_FROM_ASCII QT_NO_KEYWORDS)
 target_include_directories(vantry_settings INTERFACE ${PROJECT_SOURCE_DIR}/src)
 if(VANTRY_SANITIZE)
-    target_compile_options(vantry_settings INTERFACE -fsanitize=${VANTRY_SANITIZE} -fno-omit-frame-pointer)
+    target_compile_options(vantry_settings INTERFACE -fsanitize=${VANTRY_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(vantry_settings INTERFACE -fsanitize=${VANTRY_SANITIZE})
 endif()
 
