@@ -1,6 +1,7 @@
 #pragma once
 
 #include "media/MediaTime.h"
+#include "media/PictureSize.h"
 #include "media/TrackKind.h"
 
 #include <cstdint>
@@ -8,14 +9,6 @@
 #include <vector>
 
 namespace vantry {
-
-/// In pixels, both even.
-struct PictureSize {
-    int width = 0;
-    int height = 0;
-
-    bool operator==(const PictureSize&) const = default;
-};
 
 /// A stretch of one track of a clip file and its place in the output.
 struct Segment {
