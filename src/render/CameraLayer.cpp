@@ -15,18 +15,6 @@ Rect grown(const Rect& rect, double by)
     return { rect.x - by, rect.y - by, rect.width + 2 * by, rect.height + 2 * by };
 }
 
-Rect halved(const Rect& rect)
-{
-    return { rect.x / 2, rect.y / 2, rect.width / 2, rect.height / 2 };
-}
-
-bool isDrawable(const Placement& placement)
-{
-    const auto& rect = placement.rect;
-    return placement.opacity > Renderer::leastCameraOpacity && std::isfinite(rect.x) && std::isfinite(rect.y)
-        && std::isfinite(rect.width) && std::isfinite(rect.height) && rect.width >= 1 && rect.height >= 1;
-}
-
 } // namespace
 
 CameraLayer::CameraLayer(int width, int height)
@@ -40,7 +28,7 @@ void CameraLayer::update(const Picture& camera, const Placement& placement, Tile
     const bool newSize = newPicture && (!m_camera || m_camera.width() != camera.width() || m_camera.height() != camera.height());
     if (newPicture)
         m_camera = camera;
-    const bool shown = m_camera && isDrawable(placement);
+    const bool shown = m_camera && placement.opacity > Renderer::leastCameraOpacity && isDrawable(placement.rect);
     if (!shown && !m_shown)
         return;
     const bool moved = shown != m_shown || newSize || (shown && placement != m_placement);

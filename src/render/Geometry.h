@@ -20,6 +20,19 @@ struct Rect {
     bool operator==(const Rect&) const = default;
 };
 
+/// The same area on the chroma planes.
+inline Rect halved(const Rect& rect)
+{
+    return { rect.x / 2, rect.y / 2, rect.width / 2, rect.height / 2 };
+}
+
+/// Something can be drawn there: finite, and at least a pixel in both directions.
+inline bool isDrawable(const Rect& rect)
+{
+    return std::isfinite(rect.x) && std::isfinite(rect.y) && std::isfinite(rect.width) && std::isfinite(rect.height)
+        && rect.width >= 1 && rect.height >= 1;
+}
+
 struct Size {
     double width = 0;
     double height = 0;

@@ -35,11 +35,6 @@ std::uint8_t converted(const std::uint8_t* bgra, const Weights& w)
     return static_cast<std::uint8_t>(std::clamp((value + 32768) >> 16, 0, 255));
 }
 
-Rect halved(const Rect& rect)
-{
-    return { rect.x / 2, rect.y / 2, rect.width / 2, rect.height / 2 };
-}
-
 } // namespace
 
 OverlayLayer::OverlayLayer(const Bitmap& bitmap, int frameWidth, int frameHeight)
@@ -76,8 +71,7 @@ void OverlayLayer::scale()
 {
     const auto& placed = m_placement.rect;
     const Rect rect{ placed.x, m_frame.bottom - placed.y - placed.height, placed.width, placed.height };
-    const bool drawable = std::isfinite(rect.x) && std::isfinite(rect.y) && rect.width >= 1 && rect.height >= 1;
-    m_bounds = drawable ? evenBounds(rect, 0, m_frame) : PixelRect();
+    m_bounds = isDrawable(rect) ? evenBounds(rect, 0, m_frame) : PixelRect();
     if (m_bounds.empty()) {
         m_bounds = {};
         return;

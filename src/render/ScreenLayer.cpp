@@ -15,16 +15,6 @@ namespace {
 // Red 0.06, green 0.06, blue 0.08.
 constexpr std::uint8_t background[] = { 29, 130, 128 };
 
-Rect halved(const Rect& rect)
-{
-    return { rect.x / 2, rect.y / 2, rect.width / 2, rect.height / 2 };
-}
-
-bool isDrawable(const Rect& rect)
-{
-    return std::isfinite(rect.x) && std::isfinite(rect.y) && rect.width >= 1 && rect.height >= 1;
-}
-
 } // namespace
 
 ScreenLayer::ScreenLayer(int width, int height, std::optional<CropRect> crop)
