@@ -5,7 +5,8 @@
 #include "media/Libav.h"
 #include "media/VideoEncoder.h"
 
-#include <cassert>
+#include <algorithm>
+#include <deque>
 
 namespace vantry {
 
@@ -13,6 +14,9 @@ namespace {
 
 /// Divides into both pictures' and samples' times, so that a late track's empty edit is exact.
 constexpr const char* movieTimescale = "720000";
+
+/// How far a clip's end may lie before the newest packet that was written.
+constexpr MediaTime longestCut = std::chrono::seconds(1);
 
 void closeOutput(AVFormatContext** output)
 {
@@ -26,8 +30,18 @@ using OutputPtr = std::unique_ptr<AVFormatContext, libav::Deleter<closeOutput>>;
 struct OutputTrack {
     AVStream* stream = nullptr;
     AVRational timeBase{}; ///< Of the encoder's packets.
-    Packet last; ///< Video only: waits until it is known how long its picture lasts.
+    std::deque<Packet> held; ///< A clip's newest: where it ends may lie a little back.
 };
+
+std::int64_t ticks(MediaTime time, AVRational timeBase)
+{
+    return av_rescale_q(time.count(), { 1, MediaTime::period::den }, timeBase);
+}
+
+bool isVideo(const OutputTrack& track)
+{
+    return track.stream->codecpar->codec_type == AVMEDIA_TYPE_VIDEO;
+}
 
 } // namespace
 
@@ -35,12 +49,13 @@ struct Muxer::State {
     std::filesystem::path file;
     MovieFormat format;
     OutputPtr output;
-    std::vector<OutputTrack> tracks;
+    std::deque<OutputTrack> tracks;
 
     std::string what() const { return "Could not write " + file.filename().string(); }
     int addTrack(const AVCodecContext& encoder);
     bool isLeftOut(const OutputTrack& track, const AVPacket& packet) const;
     void hand(OutputTrack& track, Packet packet);
+    void endAt(OutputTrack& track, MediaTime end);
 };
 
 int Muxer::State::addTrack(const AVCodecContext& encoder)
@@ -50,14 +65,14 @@ int Muxer::State::addTrack(const AVCodecContext& encoder)
         throw std::bad_alloc();
     libav::check(avcodec_parameters_from_context(stream->codecpar, &encoder), what());
     stream->time_base = encoder.time_base;
-    tracks.push_back({ .stream = stream, .timeBase = encoder.time_base, .last = nullptr });
+    tracks.push_back({ .stream = stream, .timeBase = encoder.time_base, .held = {} });
     return stream->index;
 }
 
 /// The packet with nothing but the encoder's priming, where no edit list could say so.
 bool Muxer::State::isLeftOut(const OutputTrack& track, const AVPacket& packet) const
 {
-    return format == MovieFormat::Publish && track.stream->codecpar->codec_type == AVMEDIA_TYPE_AUDIO && packet.pts < 0;
+    return format == MovieFormat::Publish && !isVideo(track) && packet.pts < 0;
 }
 
 void Muxer::State::hand(OutputTrack& track, Packet packet)
@@ -69,6 +84,18 @@ void Muxer::State::hand(OutputTrack& track, Packet packet)
         libav::check(av_interleaved_write_frame(output.get(), packet.get()), what());
     else
         libav::check(av_write_frame(output.get(), packet.get()), what());
+}
+
+void Muxer::State::endAt(OutputTrack& track, MediaTime end)
+{
+    const auto endTicks = ticks(end, track.timeBase);
+    while (track.held.size() > 1 && track.held.back()->pts >= endTicks)
+        track.held.pop_back();
+    if (track.held.empty())
+        return;
+    auto& last = *track.held.back();
+    const auto lasting = std::max<std::int64_t>(endTicks - last.pts, 1);
+    last.duration = isVideo(track) ? lasting : std::min(last.duration, lasting);
 }
 
 Muxer::Muxer(const std::filesystem::path& file, MovieFormat format)
@@ -116,23 +143,25 @@ void Muxer::write(int track, Packet packet)
     auto& target = m_state->tracks.at(static_cast<std::size_t>(track));
     if (m_state->isLeftOut(target, *packet))
         return;
-    if (target.stream->codecpar->codec_type == AVMEDIA_TYPE_VIDEO)
-        std::swap(target.last, packet);
-    if (packet)
-        m_state->hand(target, std::move(packet));
+    if (m_state->format == MovieFormat::Publish)
+        return m_state->hand(target, std::move(packet));
+    target.held.push_back(std::move(packet));
+    const auto window = ticks(longestCut, target.timeBase);
+    while (target.held.size() > 1 && target.held.back()->pts - target.held.front()->pts > window) {
+        m_state->hand(target, std::move(target.held.front()));
+        target.held.pop_front();
+    }
 }
 
 void Muxer::finish(std::optional<MediaTime> end)
 {
     auto& state = *m_state;
     for (auto& track : state.tracks) {
-        if (!track.last)
-            continue;
-        if (end) {
-            const auto time = av_rescale_q(end->count(), { 1, MediaTime::period::den }, track.timeBase);
-            track.last->duration = std::max<std::int64_t>(time - track.last->pts, 1);
-        }
-        state.hand(track, std::move(track.last));
+        if (end)
+            state.endAt(track, *end);
+        for (auto& packet : track.held)
+            state.hand(track, std::move(packet));
+        track.held.clear();
     }
     libav::check(av_write_trailer(state.output.get()), state.what());
     libav::check(avio_closep(&state.output->pb), state.what());

@@ -12,7 +12,7 @@ namespace vantry::test {
 struct ProbedFrame {
     double time = 0; ///< Seconds.
     bool isKeyframe = false;
-    int luma = 0; ///< The picture's mean, 0 to 255.
+    int luma = 0; ///< About the picture's mean, 0 to 255.
 };
 
 /// ffprobe's fields of a stream by name ("codec_name", "start_time", …), its disposition and tags among them. Empty when there is

@@ -1,0 +1,36 @@
+#include "capture/ClipSettings.h"
+
+#include <algorithm>
+
+namespace vantry::clip {
+
+VideoEncoderSettings screenSettings(PictureSize size)
+{
+    return {
+        .codec = VideoCodec::Hevc,
+        .width = size.width,
+        .height = size.height,
+        .bitRate = std::max(size.width * size.height * 4, 8'000'000),
+        .gop = 600,
+        .preset = "ultrafast",
+        .parameters =
+            "rc-lookahead=0:scenecut=0:aq-mode=0:weightp=0:min-cu-size=32:max-merge=1:temporal-mvp=0:strong-intra-smoothing=0:"
+            "no-deblock=1",
+    };
+}
+
+VideoEncoderSettings cameraSettings(PictureSize size)
+{
+    return {
+        .codec = VideoCodec::H264,
+        .width = size.width,
+        .height = size.height,
+        .bitRate = 10'000'000,
+        .gop = 600,
+        .threads = 1,
+        .preset = "superfast",
+        .parameters = "rc-lookahead=0:sync-lookahead=0:mbtree=0:scenecut=0",
+    };
+}
+
+} // namespace vantry::clip

@@ -1,0 +1,268 @@
+#include "capture/ClipWriter.h"
+
+#include "base/AppError.h"
+#include "base/Log.h"
+#include "capture/ClipSettings.h"
+#include "capture/EncoderQueue.h"
+#include "capture/PictureTrack.h"
+#include "capture/SoundTrack.h"
+#include "media/Muxer.h"
+
+#include <algorithm>
+#include <mutex>
+
+namespace vantry {
+
+namespace {
+
+/// Memory for the pictures of a track that wait for their encoder.
+constexpr std::int64_t waitingBytes = 100'000'000;
+
+/// About ten seconds of what a sound server hands over at a time.
+constexpr int waitingSounds = 256;
+
+int waitingPictures(PictureSize size)
+{
+    const auto bytes = std::int64_t{ size.width } * size.height * 3 / 2;
+    return static_cast<int>(std::clamp<std::int64_t>(waitingBytes / bytes, 8, framesPerSecond));
+}
+
+/// Either pictures or sound.
+struct ClipTrack {
+    ClipTrack(std::string name, PictureSize size, const VideoEncoderSettings& settings)
+        : pictures(std::in_place, settings)
+        , queue(std::move(name), waitingPictures(size))
+    {
+    }
+    ClipTrack(std::string name, const AudioEncoderSettings& settings)
+        : sounds(std::in_place, settings)
+        , queue(std::move(name), waitingSounds)
+    {
+    }
+
+    // Belong to the queue's thread.
+    std::optional<PictureTrack> pictures;
+    std::optional<SoundTrack> sounds;
+
+    std::atomic<std::int64_t> lost = 0; ///< Samples that were taken when writing had failed.
+    EncoderQueue queue; ///< Last: its jobs use the others.
+
+    TrackCounts counts() const { return { .appended = queue.accepted() - lost, .dropped = queue.dropped() + lost }; }
+};
+
+enum class Phase { Writing, Finishing };
+
+} // namespace
+
+struct ClipWriter::State {
+    State(const std::filesystem::path& file, HostTime start)
+        : file(file)
+        , start(start)
+    {
+    }
+    ~State();
+
+    void addTracks(const ClipTracks& wanted);
+    void startMuxer();
+
+    ClipTrack* track(TrackKind kind) const { return tracks[static_cast<std::size_t>(kind)].get(); }
+    PacketSink sinkOf(TrackKind kind);
+    void offer(TrackKind kind, std::function<void(ClipTrack&, const PacketSink&)> write);
+    void attempt(const std::function<void()>& work);
+    void fail(const std::string& text);
+    void finishTrack(TrackKind kind, HostDuration length);
+    void complete(HostDuration length, const WhenDone& whenDone);
+
+    const std::filesystem::path file;
+    const HostTime start;
+    Phase phase = Phase::Writing; ///< Belongs to the caller's thread.
+
+    // Safe to use from any thread.
+    std::atomic<bool> hasFailed = false;
+    std::atomic<int> openTracks = 0;
+    std::mutex problemMutex;
+    std::string problem; ///< The first one; guarded by the mutex.
+
+    // Belong to the writing thread once the first sample has come.
+    std::optional<Muxer> muxer;
+    std::array<int, trackKindCount> muxerTracks{};
+
+    // Last: encoders hand to the writing thread, which uses what is above. They end in the opposite order.
+    std::optional<Worker> writing;
+    std::array<std::unique_ptr<ClipTrack>, trackKindCount> tracks;
+};
+
+ClipWriter::State::~State()
+{
+    // Nobody waits for a clip that was never finished.
+    if (phase == Phase::Writing)
+        hasFailed = true;
+}
+
+void ClipWriter::State::addTracks(const ClipTracks& wanted)
+{
+    const auto slot = [this](TrackKind kind) -> auto&
+    {
+        return tracks[static_cast<std::size_t>(kind)];
+    };
+    slot(TrackKind::screen) = std::make_unique<ClipTrack>("clip screen", wanted.screen, clip::screenSettings(wanted.screen));
+    if (wanted.camera)
+        slot(TrackKind::camera) = std::make_unique<ClipTrack>("clip camera", *wanted.camera, clip::cameraSettings(*wanted.camera));
+    if (wanted.audio)
+        slot(TrackKind::audio) = std::make_unique<ClipTrack>("clip microphone", clip::microphoneSettings);
+    if (wanted.system)
+        slot(TrackKind::system) = std::make_unique<ClipTrack>("clip system", clip::systemSoundSettings);
+}
+
+void ClipWriter::State::startMuxer()
+{
+    muxer.emplace(file, MovieFormat::Clip);
+    for (std::size_t i = 0; i < tracks.size(); ++i) {
+        if (!tracks[i])
+            continue;
+        muxerTracks[i] =
+            tracks[i]->pictures ? muxer->addTrack(tracks[i]->pictures->encoder()) : muxer->addTrack(tracks[i]->sounds->encoder());
+        ++openTracks;
+    }
+    muxer->start();
+    writing.emplace("clip file");
+}
+
+/// Runs on the track's thread; what it is given goes on to the writing thread.
+PacketSink ClipWriter::State::sinkOf(TrackKind kind)
+{
+    return [this, index = muxerTracks[static_cast<std::size_t>(kind)]](Packet packet) {
+        // A job can be copied, a packet cannot.
+        writing->post([this, index, shared = std::make_shared<Packet>(std::move(packet))] {
+            attempt([&] { muxer->write(index, std::move(*shared)); });
+        });
+    };
+}
+
+void ClipWriter::State::offer(TrackKind kind, std::function<void(ClipTrack&, const PacketSink&)> write)
+{
+    ClipTrack& target = *track(kind);
+    if (hasFailed)
+        return target.queue.countDropped();
+    target.queue.offer([this, &target, sink = sinkOf(kind), write = std::move(write)] {
+        if (hasFailed)
+            ++target.lost;
+        else
+            attempt([&] { write(target, sink); });
+    });
+}
+
+/// Does nothing after a failure; a failure of its own is the clip's.
+void ClipWriter::State::attempt(const std::function<void()>& work)
+{
+    if (hasFailed)
+        return;
+    try {
+        work();
+    } catch (const std::exception& error) {
+        fail(error.what());
+    }
+}
+
+void ClipWriter::State::fail(const std::string& text)
+{
+    const std::lock_guard lock(problemMutex);
+    if (hasFailed.exchange(true))
+        return;
+    problem = text;
+    qCWarning(logCapture, "%s", text.c_str());
+}
+
+void ClipWriter::State::finishTrack(TrackKind kind, HostDuration length)
+{
+    attempt([&] {
+        ClipTrack& target = *track(kind);
+        const auto sink = sinkOf(kind);
+        if (kind == TrackKind::screen && target.pictures->isEmpty())
+            target.pictures->writeBlack(MediaTime::zero(), sink);
+        if (target.pictures)
+            target.pictures->finish(sink);
+        else
+            target.sounds->finish(std::chrono::round<SampleCount>(length), sink);
+    });
+}
+
+void ClipWriter::State::complete(HostDuration length, const WhenDone& whenDone)
+{
+    attempt([&] { muxer->finish(mediaTime(length)); });
+    muxer.reset();
+    ClipOutcome outcome;
+    for (std::size_t i = 0; i < tracks.size(); ++i)
+        if (tracks[i])
+            outcome.counts[i] = tracks[i]->counts();
+    if (!hasFailed)
+        outcome.duration = seconds(length);
+    {
+        const std::lock_guard lock(problemMutex);
+        outcome.problem = problem;
+    }
+    whenDone(outcome);
+}
+
+ClipWriter::ClipWriter(const std::filesystem::path& file, const ClipTracks& tracks, HostTime start)
+    : m_state(std::make_unique<State>(file, start))
+{
+    m_state->addTracks(tracks);
+    try {
+        m_state->startMuxer();
+    } catch (const AppError&) {
+        throw;
+    } catch (const std::exception&) {
+        throw AppError("Could not start writing " + file.filename().string());
+    }
+}
+
+ClipWriter::~ClipWriter() = default;
+
+void ClipWriter::append(const PictureSample& sample, TrackKind kind)
+{
+    const auto* track = m_state->track(kind);
+    if (!track || !track->pictures || sample.time < m_state->start || m_state->phase != Phase::Writing)
+        return;
+    m_state->offer(kind,
+        [picture = sample.picture, time = mediaTime(sample.time - m_state->start)](
+            ClipTrack& target, const PacketSink& sink) { target.pictures->write(picture, time, sink); });
+}
+
+void ClipWriter::append(SoundSample sample, TrackKind kind)
+{
+    const auto* track = m_state->track(kind);
+    const auto end = sample.time + std::chrono::round<HostDuration>(sample.sound.length());
+    if (!track || !track->sounds || end <= m_state->start || m_state->phase != Phase::Writing)
+        return;
+    m_state->offer(
+        kind, [sound = std::move(sample.sound), at = sample.time - m_state->start](ClipTrack& target, const PacketSink& sink) {
+            target.sounds->write(sound, at, sink);
+        });
+}
+
+bool ClipWriter::isReady(TrackKind kind) const
+{
+    const auto* track = m_state->track(kind);
+    return track && m_state->phase == Phase::Writing && !m_state->hasFailed && track->queue.hasRoom();
+}
+
+void ClipWriter::finish(HostTime end, WhenDone whenDone)
+{
+    auto& state = *m_state;
+    if (state.phase != Phase::Writing)
+        return state.writing->post([whenDone = std::move(whenDone)] { whenDone({ .duration = {}, .counts = {}, .problem = {} }); });
+    state.phase = Phase::Finishing;
+    const HostDuration length = std::max(end - state.start, HostDuration::zero());
+    for (std::size_t i = 0; i < state.tracks.size(); ++i) {
+        if (!state.tracks[i])
+            continue;
+        state.tracks[i]->queue.post([&state, kind = static_cast<TrackKind>(i), length, whenDone] {
+            state.finishTrack(kind, length);
+            if (--state.openTracks == 0)
+                state.writing->post([&state, length, whenDone] { state.complete(length, whenDone); });
+        });
+    }
+}
+
+} // namespace vantry

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "capture/Sample.h"
+#include "media/PictureSize.h"
+#include "media/TrackKind.h"
+
+#include <array>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace vantry {
+
+/// The tracks of a clip. The screen is always among them.
+struct ClipTracks {
+    PictureSize screen;
+    std::optional<PictureSize> camera{};
+    bool audio = false; ///< The microphone.
+    bool system = false;
+};
+
+/// How one track fared, in samples as they were handed over (pictures, stretches of sound).
+struct TrackCounts {
+    std::int64_t appended = 0;
+    std::int64_t dropped = 0; ///< Refused because the encoder was busy or writing had failed; not those before the clip's start.
+};
+
+struct ClipOutcome {
+    std::optional<double> duration; ///< Seconds; none when the file could not be completed.
+    std::array<TrackCounts, trackKindCount> counts{}; ///< By `TrackKind`.
+    std::string problem; ///< Why there is no duration, for a user.
+};
+
+/// Writes one clip: a QuickTime movie with the wanted tracks in `TrackKind`'s order, whose time 0 is `start`.
+///
+/// Screen: HEVC, its pictures at their own times. Camera: H.264. Both fitted into the track's size, with a keyframe less than a
+/// second ahead of every picture. Sounds: AAC, placed by their stamps, silence where there is none. Every track that is in the file
+/// ends where the clip ends: the last picture lasts until then. A camera that delivered nothing has no track in the file; a screen
+/// that delivered nothing is one black picture, so that the first video track is the screen in every clip.
+///
+/// `append` and `finish` are called on one thread and never wait. Each track encodes on a thread of its own, another one writes the
+/// file.
+class ClipWriter {
+public:
+    using WhenDone = std::function<void(const ClipOutcome&)>;
+
+    /// Throws AppError: the platform's own words, or "Could not start writing " and the file's name.
+    ClipWriter(const std::filesystem::path& file, const ClipTracks& tracks, HostTime start);
+
+    /// Waits for a `finish` under way. Without one the clip is given up and the file is left incomplete.
+    ~ClipWriter();
+
+    /// Drops the sample without a word when it lies before the start (of sound, that part), when there is no such track, when the
+    /// track is not ready, or after a failure.
+    void append(const PictureSample& sample, TrackKind kind);
+    void append(SoundSample sample, TrackKind kind);
+
+    /// Whether the track would take a sample now.
+    bool isReady(TrackKind kind) const;
+
+    /// Ends the clip at `end` (what was appended up to a second beyond it is cut off), completes the file and makes it durable,
+    /// then calls `whenDone` on a thread of the writer, which must not destroy the writer itself. A second call has no duration.
+    void finish(HostTime end, WhenDone whenDone);
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};
+
+} // namespace vantry

@@ -1,0 +1,347 @@
+#include "capture/ClipWriter.h"
+
+#include "base/AppError.h"
+#include "capture/ClipSettings.h"
+#include "support/FinishedClip.h"
+#include "support/MovieProbe.h"
+#include "support/ScreenContent.h"
+#include "support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <sys/resource.h>
+#include <thread>
+
+namespace vantry {
+
+using namespace test;
+using namespace std::chrono_literals;
+using testing::HasSubstr;
+using testing::IsSupersetOf;
+using testing::Pair;
+
+namespace {
+
+constexpr HostTime start(987'654'321'098'765ns);
+constexpr PictureSize size{ 320, 180 };
+constexpr std::uint8_t dark = 40;
+constexpr std::uint8_t bright = 220;
+
+Picture grey(std::uint8_t luma, PictureSize of = size)
+{
+    PictureBuffer buffer(of.width, of.height);
+    buffer.fill(luma, 128, 128);
+    return std::move(buffer).share();
+}
+
+Sound soundWithClick(int channels, int frames, int click)
+{
+    Sound sound{ .channels = channels, .samples = std::vector<float>(static_cast<std::size_t>(channels * frames)) };
+    for (int i = click * channels; i < std::min(click + 8, frames) * channels; ++i)
+        sound.samples[static_cast<std::size_t>(i)] = 0.9f;
+    return sound;
+}
+
+void waitUntilReady(const ClipWriter& writer, TrackKind kind)
+{
+    const auto deadline = HostClock::now() + 30s;
+    while (!writer.isReady(kind) && HostClock::now() < deadline)
+        std::this_thread::sleep_for(1ms);
+    ASSERT_TRUE(writer.isReady(kind));
+}
+
+void show(ClipWriter& writer, HostDuration at, std::uint8_t luma = dark, TrackKind kind = TrackKind::screen)
+{
+    waitUntilReady(writer, kind);
+    writer.append(PictureSample{ grey(luma), start + at }, kind);
+}
+
+constexpr int noClick = 1 << 30;
+
+void play(ClipWriter& writer, HostDuration at, TrackKind kind, int frames, int click = noClick)
+{
+    waitUntilReady(writer, kind);
+    writer.append(SoundSample{ soundWithClick(kind == TrackKind::audio ? 1 : 2, frames, click), start + at }, kind);
+}
+
+std::vector<double> flashes(const std::filesystem::path& file, const std::string& stream)
+{
+    std::vector<double> times;
+    for (const auto& frame : probeFrames(file, stream))
+        if (frame.luma > 130)
+            times.push_back(frame.time);
+    return times;
+}
+
+constexpr HostDuration frames(double count)
+{
+    return std::chrono::round<HostDuration>(std::chrono::duration<double>(count / framesPerSecond));
+}
+
+constexpr HostDuration samples(std::int64_t count)
+{
+    return std::chrono::round<HostDuration>(SampleCount(count));
+}
+
+/// The system's own refusal to let any file of this process grow beyond a size.
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t bytes)
+        : m_signalHandler(std::signal(SIGXFSZ, SIG_IGN))
+    {
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        const rlimit limit{ bytes, m_before.rlim_max };
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit()
+    {
+        setrlimit(RLIMIT_FSIZE, &m_before);
+        std::signal(SIGXFSZ, m_signalHandler);
+    }
+
+private:
+    rlimit m_before{};
+    void (*m_signalHandler)(int);
+};
+
+class ClipWriterTest : public testing::Test {
+protected:
+    TemporaryFolder m_folder;
+    const std::filesystem::path m_file = m_folder / "clip-1700000000.mov";
+};
+
+} // namespace
+
+TEST_F(ClipWriterTest, everyTrackHasItsPlaceFormatAndLength)
+{
+    ClipWriter writer(m_file, { .screen = size, .camera = PictureSize{ 160, 120 }, .audio = true, .system = true }, start);
+    for (int i = 0; i < 20; ++i) {
+        show(writer, frames(i));
+        show(writer, frames(i), dark, TrackKind::camera);
+        play(writer, frames(i), TrackKind::audio, 1600);
+        play(writer, frames(i), TrackKind::system, 1600);
+    }
+    const auto outcome = finishedClip(writer, start + 1234567us);
+
+    EXPECT_DOUBLE_EQ(outcome.duration.value(), 1.234567);
+    for (const auto& count : outcome.counts) {
+        EXPECT_EQ(count.appended, 20);
+        EXPECT_EQ(count.dropped, 0);
+    }
+    EXPECT_THAT(probeStream(m_file, "0"),
+        IsSupersetOf({ Pair("codec_name", "hevc"), Pair("codec_tag_string", "hvc1"), Pair("width", "320") }));
+    EXPECT_THAT(
+        probeStream(m_file, "1"), IsSupersetOf({ Pair("codec_name", "h264"), Pair("width", "160"), Pair("height", "120") }));
+    EXPECT_THAT(
+        probeStream(m_file, "2"), IsSupersetOf({ Pair("codec_tag_string", "mp4a"), Pair("profile", "LC"), Pair("channels", "1") }));
+    EXPECT_THAT(probeStream(m_file, "3"),
+        IsSupersetOf({ Pair("codec_tag_string", "mp4a"), Pair("sample_rate", "48000"), Pair("channels", "2") }));
+    for (const auto* stream : { "0", "1" })
+        EXPECT_THAT(probeStream(m_file, stream),
+            IsSupersetOf({ Pair("color_range", "tv"), Pair("color_space", "bt709"), Pair("color_transfer", "bt709"),
+                Pair("color_primaries", "bt709") }));
+    for (const auto* stream : { "0", "1", "2", "3" })
+        EXPECT_NEAR(probeEnd(m_file, stream), 1.234567, 2e-5) << stream;
+}
+
+TEST_F(ClipWriterTest, aFlashAndAClickAreWhereTheyHappened)
+{
+    // On no frame grid, and between two samples of the sound's own grid.
+    const HostDuration flash = 1'234'567'891ns;
+    ClipWriter writer(m_file, { .screen = size, .camera = size, .audio = true, .system = true }, start);
+    for (int i = 0; i < 60; ++i)
+        for (const auto kind : { TrackKind::screen, TrackKind::camera }) {
+            const auto time = frames(i) + 3ms;
+            if (time < flash && flash < frames(i + 1) + 3ms)
+                show(writer, flash, bright, kind);
+            else
+                show(writer, time, dark, kind);
+        }
+    for (int i = 0; i < 100; ++i)
+        for (const auto kind : { TrackKind::audio, TrackKind::system })
+            play(writer, samples(1024 * i), kind, 1024, i == 57 ? 891 : noClick); // sample 59259 = 1.2345625 s
+    ASSERT_TRUE(finishedClip(writer, start + 2s).duration);
+
+    for (const auto* stream : { "v:0", "v:1" }) {
+        const auto seen = flashes(m_file, stream);
+        ASSERT_EQ(seen.size(), 1u);
+        EXPECT_NEAR(seen[0], 1.234567891, 1e-5); // the file's times are in 1/90000 s
+        EXPECT_NEAR(probeFrames(m_file, stream).front().time, 0.003, 1e-5);
+    }
+    EXPECT_EQ(firstClick(probeSound(m_file, "a:0"), 1), 57 * 1024 + 891);
+    EXPECT_EQ(firstClick(probeSound(m_file, "a:1"), 2), 57 * 1024 + 891);
+}
+
+TEST_F(ClipWriterTest, samplesBeforeTheStartAreLeftOutAndLateTracksAndGapsKeepTheirTimes)
+{
+    ClipWriter writer(m_file, { .screen = size, .camera = size, .audio = true, .system = true }, start);
+    show(writer, -1ms, bright);
+    show(writer, 0ms);
+    show(writer, -1ms, bright, TrackKind::camera);
+    show(writer, 700ms, dark, TrackKind::camera);
+    show(writer, 800ms, bright, TrackKind::camera);
+    // The microphone straddles the start and clicks 100 samples after it, then misses half a second.
+    play(writer, -samples(500), TrackKind::audio, 1024, 600);
+    play(writer, samples(24'524), TrackKind::audio, 1024);
+    // The system's sound comes late.
+    play(writer, samples(40'000), TrackKind::system, 1024, 7);
+    const auto outcome = finishedClip(writer, start + 1500ms);
+
+    ASSERT_TRUE(outcome.duration);
+    EXPECT_EQ(outcome.counts[0].appended, 1);
+    EXPECT_EQ(outcome.counts[1].appended, 2);
+    EXPECT_EQ(outcome.counts[0].dropped, 0);
+    EXPECT_TRUE(flashes(m_file, "v:0").empty());
+    EXPECT_NEAR(probeFrames(m_file, "v:1").at(0).time, 0.7, 1e-5);
+    EXPECT_NEAR(flashes(m_file, "v:1").at(0), 0.8, 1e-5);
+    EXPECT_EQ(firstClick(probeSound(m_file, "a:0"), 1), 100);
+    EXPECT_EQ(firstClick(probeSound(m_file, "a:1"), 2), 40'007);
+    for (const auto* stream : { "v:0", "v:1", "a:0", "a:1" })
+        EXPECT_NEAR(probeEnd(m_file, stream), 1.5, 2e-5) << stream;
+}
+
+TEST_F(ClipWriterTest, aStillScreenLastsToTheEndAndASilentCameraHasNoTrack)
+{
+    ClipWriter writer(m_file, { .screen = size, .camera = size, .audio = true }, start);
+    show(writer, 0ms);
+    show(writer, 100ms, bright);
+    ASSERT_TRUE(finishedClip(writer, start + 12500ms).duration);
+
+    EXPECT_NEAR(flashes(m_file, "v:0").at(0), 0.1, 1e-5);
+    EXPECT_NEAR(probeEnd(m_file, "v:0"), 12.5, 2e-5);
+    EXPECT_TRUE(probeStream(m_file, "v:1").empty());
+    EXPECT_NEAR(probeEnd(m_file, "a:0"), 12.5, 2e-5);
+}
+
+TEST_F(ClipWriterTest, aClipWithoutAnyPictureIsBlack)
+{
+    ClipWriter writer(m_file, { .screen = size, .camera = size }, start);
+    show(writer, 0ms, bright, TrackKind::camera);
+    ASSERT_TRUE(finishedClip(writer, start + 1s).duration);
+    EXPECT_EQ(probeStream(m_file, "v:0")["codec_name"], "hevc");
+    EXPECT_EQ(probeFrames(m_file, "v:0").at(0).luma, 0);
+    EXPECT_NEAR(probeEnd(m_file, "v:0"), 1, 2e-5);
+}
+
+TEST_F(ClipWriterTest, whatIsAppendedBeyondTheEndIsCutOff)
+{
+    ClipWriter writer(m_file, { .screen = size, .camera = size, .audio = true }, start);
+    for (int i = 0; i < 60; ++i) {
+        show(writer, frames(i), i == 45 ? bright : dark);
+        show(writer, frames(i), i == 44 ? bright : dark, TrackKind::camera);
+        play(writer, frames(i), TrackKind::audio, 1600);
+    }
+    EXPECT_DOUBLE_EQ(finishedClip(writer, start + 1500ms).duration.value(), 1.5);
+    EXPECT_TRUE(flashes(m_file, "v:0").empty());
+    EXPECT_EQ(flashes(m_file, "v:1").size(), 1u);
+    for (const auto* stream : { "v:0", "v:1", "a:0" })
+        EXPECT_NEAR(probeEnd(m_file, stream), 1.5, 2e-5) << stream;
+}
+
+TEST_F(ClipWriterTest, everyPictureHasAKeyframeLessThanASecondAhead)
+{
+    ClipWriter writer(m_file, { .screen = size, .camera = size }, start);
+    ScreenContent content(size.width, size.height, Activity::Motion);
+    const auto unevenly = [](int i) { return frames(i) + std::chrono::microseconds(i * 7919 % 9000); };
+    for (int i = 0; i < 110; ++i) {
+        if (i % 40 > 30)
+            continue; // stands still for a while
+        for (const auto kind : { TrackKind::screen, TrackKind::camera }) {
+            waitUntilReady(writer, kind);
+            writer.append(PictureSample{ content.picture(i), start + unevenly(i) }, kind);
+        }
+    }
+    ASSERT_TRUE(finishedClip(writer, start + 4s).duration);
+    for (const auto* stream : { "v:0", "v:1" }) {
+        double keyframe = -1;
+        for (const auto& frame : probeFrames(m_file, stream)) {
+            keyframe = frame.isKeyframe ? frame.time : keyframe;
+            EXPECT_LT(frame.time - keyframe, 1) << stream;
+        }
+    }
+}
+
+TEST_F(ClipWriterTest, picturesOfAnotherSizeAreFitted)
+{
+    ClipWriter writer(m_file, { .screen = size }, start);
+    show(writer, 0ms);
+    writer.append(PictureSample{ grey(bright, { 1280, 720 }), start + 100ms }, TrackKind::screen);
+    show(writer, 200ms);
+    ASSERT_TRUE(finishedClip(writer, start + 1s).duration);
+    EXPECT_EQ(flashes(m_file, "v:0").size(), 1u);
+}
+
+TEST_F(ClipWriterTest, aBusyEncoderDropsAndCounts)
+{
+    const PictureSize large{ 1280, 720 };
+    ClipWriter writer(m_file, { .screen = large }, start);
+    ScreenContent content(large.width, large.height, Activity::Motion);
+    const std::vector pictures{ content.picture(0), content.picture(1), content.picture(2) };
+    for (std::size_t i = 0; i < 300; ++i)
+        writer.append(PictureSample{ pictures[i % 3], start + frames(static_cast<double>(i)) }, TrackKind::screen);
+    const auto outcome = finishedClip(writer, start + 10s);
+    const auto& counts = outcome.counts[0];
+    ASSERT_TRUE(outcome.duration);
+    EXPECT_GT(counts.dropped, 0);
+    EXPECT_EQ(counts.appended + counts.dropped, 300);
+    EXPECT_EQ(probeFrames(m_file, "v:0").size(), static_cast<std::size_t>(counts.appended));
+    EXPECT_NEAR(probeEnd(m_file, "v:0"), 10, 2e-5);
+}
+
+TEST_F(ClipWriterTest, aFileThatCannotGrowEndsInNoDurationAndClearWords)
+{
+    const FileSizeLimit limit(300'000);
+    const PictureSize large{ 1280, 720 };
+    ClipWriter writer(m_file, { .screen = large, .audio = true }, start);
+    ScreenContent content(large.width, large.height, Activity::Motion);
+    int shown = 0;
+    for (const auto deadline = HostClock::now() + 60s; writer.isReady(TrackKind::audio) && HostClock::now() < deadline; ++shown) {
+        while (!writer.isReady(TrackKind::screen) && writer.isReady(TrackKind::audio))
+            std::this_thread::sleep_for(1ms);
+        writer.append(PictureSample{ content.picture(shown % 10), start + frames(shown) }, TrackKind::screen);
+    }
+    EXPECT_FALSE(writer.isReady(TrackKind::audio)); // it failed while recording already
+    const auto outcome = finishedClip(writer, start + frames(shown));
+    EXPECT_FALSE(outcome.duration);
+    EXPECT_EQ(outcome.problem, "Could not write clip-1700000000.mov: File too large");
+    EXPECT_EQ(outcome.counts[0].appended + outcome.counts[0].dropped, shown);
+}
+
+TEST_F(ClipWriterTest, finishingTwiceOrGoingWithoutItIsHarmless)
+{
+    {
+        ClipWriter writer(m_file, { .screen = size, .audio = true }, start);
+        show(writer, 0ms);
+        EXPECT_TRUE(finishedClip(writer, start + 1s).duration);
+        EXPECT_FALSE(writer.isReady(TrackKind::screen));
+        writer.append(PictureSample{ grey(bright), start + 500ms }, TrackKind::screen);
+        EXPECT_FALSE(finishedClip(writer, start + 2s).duration);
+        EXPECT_NEAR(probeEnd(m_file, "v:0"), 1, 2e-5);
+    }
+    std::optional<double> duration;
+    {
+        ClipWriter writer(m_folder / "waits.mov", { .screen = size, .audio = true }, start);
+        show(writer, 0ms);
+        writer.finish(start + 1s, [&](const ClipOutcome& outcome) { duration = outcome.duration; });
+    }
+    EXPECT_EQ(duration, 1.0);
+    ClipWriter abandoned(m_folder / "abandoned.mov", { .screen = size, .camera = size, .audio = true, .system = true }, start);
+    show(abandoned, 0ms);
+}
+
+TEST_F(ClipWriterTest, anUnwritablePlaceIsAnErrorAtOnce)
+{
+    const auto open = [] { ClipWriter writer("/no/such/folder/clip-1.mov", { .screen = size }, start); };
+    EXPECT_THAT(open, testing::ThrowsMessage<AppError>(HasSubstr("clip-1.mov: No such file or directory")));
+    const auto openOnFullDisk = [] { ClipWriter writer("/dev/full", { .screen = size }, start); };
+    EXPECT_THAT(openOnFullDisk, testing::ThrowsMessage<AppError>(HasSubstr("full: No space left on device")));
+}
+
+TEST(ClipSettings, theScreensBitRateGrowsWithItsSize)
+{
+    EXPECT_EQ(clip::screenSettings({ 3024, 1964 }).bitRate, 23'756'544);
+    EXPECT_EQ(clip::screenSettings({ 1280, 720 }).bitRate, 8'000'000);
+}
+
+} // namespace vantry
