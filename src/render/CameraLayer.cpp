@@ -72,7 +72,7 @@ void CameraLayer::lay()
         halved(source), halved(m_rect), m_imageArea.halved(), m_camera.plane(PlaneCb).width, m_camera.plane(PlaneCb).height);
 }
 
-void CameraLayer::draw(PictureBuffer& frame, const PixelRect& wanted)
+void CameraLayer::draw(PictureBuffer& frame, const FrameRect& wanted)
 {
     const auto area = wanted.intersected(m_bounds);
     if (!m_shown || area.empty())
@@ -88,7 +88,7 @@ void CameraLayer::draw(PictureBuffer& frame, const PixelRect& wanted)
 
 /// Row by row: the middle, where the camera covers everything, as a whole; the rim, where ring and smooth edges are, sample by
 /// sample.
-void CameraLayer::drawPlane(PictureBuffer& frame, int index, const PixelRect& area)
+void CameraLayer::drawPlane(PictureBuffer& frame, int index, const FrameRect& area)
 {
     const double unit = index == PlaneY ? 1 : 0.5; // Plane samples in a pixel.
     const auto rect = index == PlaneY ? m_rect : halved(m_rect);

@@ -26,14 +26,14 @@ public:
     bool hidesAll() const { return m_shown && m_opacity >= 256 && m_coversFrame; }
 
     /// Draws what `area` of the frame, which has even edges, shows of it.
-    void draw(PictureBuffer& frame, const PixelRect& area);
+    void draw(PictureBuffer& frame, const FrameRect& area);
 
 private:
     void lay();
-    void drawPlane(PictureBuffer& frame, int index, const PixelRect& area);
+    void drawPlane(PictureBuffer& frame, int index, const FrameRect& area);
     PlaneScaler& scaler(int index) { return index == PlaneY ? m_luma : m_chroma; }
 
-    const PixelRect m_frame;
+    const FrameRect m_frame;
 
     Picture m_camera;
     bool m_shown = false;
@@ -42,8 +42,8 @@ private:
     double m_ring = 0; ///< Its width in pixels; 0 for none.
     Opacity m_opacity = 256;
     bool m_coversFrame = false; ///< With its corners.
-    PixelRect m_bounds; ///< All pixels that the layer touches, with the ring.
-    PixelRect m_imageArea; ///< All pixels that the camera's rectangle touches.
+    FrameRect m_bounds; ///< All pixels that the layer touches, with the ring.
+    FrameRect m_imageArea; ///< All pixels that the camera's rectangle touches.
     PlaneScaler m_luma;
     PlaneScaler m_chroma;
     std::optional<PictureBuffer> m_image; ///< The scaled camera where it lies in the frame; not used while it hides all.

@@ -25,7 +25,7 @@ struct Compositor::State {
     TileMap update(double time, const Picture& screen, const Picture& camera);
     void updateOverlays(double time, TileMap& changed);
     TileMap staleParts(const std::uint8_t* memory) const;
-    void draw(PictureBuffer& frame, const PixelRect& area);
+    void draw(PictureBuffer& frame, const FrameRect& area);
 
     const std::shared_ptr<const RenderInstruction> instruction;
     const ProjectIndex timeline;
@@ -130,7 +130,7 @@ TileMap Compositor::State::staleParts(const std::uint8_t* memory) const
     return stale;
 }
 
-void Compositor::State::draw(PictureBuffer& frame, const PixelRect& area)
+void Compositor::State::draw(PictureBuffer& frame, const FrameRect& area)
 {
     if (!cameraLayer.hidesAll())
         screenLayer.draw(frame, area);

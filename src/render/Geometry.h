@@ -41,7 +41,7 @@ struct Size {
 };
 
 /// Whole pixels, y downwards: from `left` and `top` up to, not including, `right` and `bottom`.
-struct PixelRect {
+struct FrameRect {
     int left = 0;
     int top = 0;
     int right = 0;
@@ -51,26 +51,26 @@ struct PixelRect {
     int width() const { return right - left; }
     int height() const { return bottom - top; }
 
-    PixelRect intersected(const PixelRect& other) const
+    FrameRect intersected(const FrameRect& other) const
     {
         return { std::max(left, other.left), std::max(top, other.top), std::min(right, other.right),
             std::min(bottom, other.bottom) };
     }
 
     /// The same area on the chroma planes; the edges must be even.
-    PixelRect halved() const { return { left / 2, top / 2, right / 2, bottom / 2 }; }
+    FrameRect halved() const { return { left / 2, top / 2, right / 2, bottom / 2 }; }
 
-    bool operator==(const PixelRect&) const = default;
+    bool operator==(const FrameRect&) const = default;
 };
 
 /// The smallest rectangle with even edges, inside the frame, that holds `rect` (y downwards) grown by `margin`.
-inline PixelRect evenBounds(const Rect& rect, double margin, const PixelRect& frame)
+inline FrameRect evenBounds(const Rect& rect, double margin, const FrameRect& frame)
 {
     const auto down = [](double value) { return static_cast<int>(std::floor(value / 2)) * 2; };
     const auto up = [](double value) { return static_cast<int>(std::ceil(value / 2)) * 2; };
     const double limit = 1 << 20; // Far outside of every frame, and safe to convert.
     const auto safe = [limit](double value) { return std::clamp(value, -limit, limit); };
-    return PixelRect{ down(safe(rect.x - margin)), down(safe(rect.y - margin)), up(safe(rect.right() + margin)),
+    return FrameRect{ down(safe(rect.x - margin)), down(safe(rect.y - margin)), up(safe(rect.right() + margin)),
         up(safe(rect.bottom() + margin)) }
         .intersected(frame);
 }

@@ -71,7 +71,7 @@ void OverlayLayer::scale()
 {
     const auto& placed = m_placement.rect;
     const Rect rect{ placed.x, m_frame.bottom - placed.y - placed.height, placed.width, placed.height };
-    m_bounds = isDrawable(rect) ? evenBounds(rect, 0, m_frame) : PixelRect();
+    m_bounds = isDrawable(rect) ? evenBounds(rect, 0, m_frame) : FrameRect();
     if (m_bounds.empty()) {
         m_bounds = {};
         return;
@@ -96,7 +96,7 @@ void OverlayLayer::scale()
     }
 }
 
-void OverlayLayer::draw(PictureBuffer& frame, const PixelRect& wanted) const
+void OverlayLayer::draw(PictureBuffer& frame, const FrameRect& wanted) const
 {
     const auto area = wanted.intersected(m_bounds);
     const auto opacity = opacityOf(m_placement.opacity);

@@ -25,7 +25,7 @@ public:
     void markGone(TileMap& changed) const { changed.mark(m_bounds); }
 
     /// Draws what `area` of the frame, which has even edges, shows of it.
-    void draw(PictureBuffer& frame, const PixelRect& area) const;
+    void draw(PictureBuffer& frame, const FrameRect& area) const;
 
 private:
     /// Samples of one byte.
@@ -51,12 +51,12 @@ private:
 
     void scale();
 
-    const PixelRect m_frame;
+    const FrameRect m_frame;
     std::array<Samples, 3> m_source; ///< Y', Cb, Cr, premultiplied, in the bitmap's size.
     Samples m_sourceAlpha;
 
     OverlayPlacement m_placement{ {}, -1 };
-    PixelRect m_bounds;
+    FrameRect m_bounds;
     std::array<Blended, 3> m_scaled; ///< A plane each, from the top left of the bounds on.
 };
 

@@ -6,14 +6,14 @@
 
 namespace vantry {
 
-PlaneScaler::PlaneScaler(const Rect& source, const Rect& destination, const PixelRect& area, int sourceWidth, int sourceHeight)
+PlaneScaler::PlaneScaler(const Rect& source, const Rect& destination, const FrameRect& area, int sourceWidth, int sourceHeight)
     : m_columns({ source.x, source.width, destination.x, destination.width }, area.left, area.right, sourceWidth)
     , m_rows({ source.y, source.height, destination.y, destination.height }, area.top, area.bottom, sourceHeight)
     , m_line(static_cast<std::size_t>(sourceWidth + m_columns.paddedTaps()))
 {
 }
 
-void PlaneScaler::scale(const Plane& in, const MutablePlane& out, int originX, int originY, const PixelRect& wanted)
+void PlaneScaler::scale(const Plane& in, const MutablePlane& out, int originX, int originY, const FrameRect& wanted)
 {
     const auto area = wanted.intersected({ m_columns.first(), m_rows.first(), m_columns.last(), m_rows.last() });
     if (area.empty())
@@ -38,7 +38,7 @@ void PlaneScaler::scale(const Plane& in, const MutablePlane& out, int originX, i
     }
 }
 
-PixelRect PlaneScaler::affected(const PixelRect& area) const
+FrameRect PlaneScaler::affected(const FrameRect& area) const
 {
     const auto columns = m_columns.affected(area.left, area.right);
     const auto rows = m_rows.affected(area.top, area.bottom);

@@ -16,13 +16,13 @@ public:
 
     /// `source` of a plane of `sourceSize` samples lands on `destination`, of which only `area` is ever asked for. All in samples
     /// of the planes, y downwards.
-    PlaneScaler(const Rect& source, const Rect& destination, const PixelRect& area, int sourceWidth, int sourceHeight);
+    PlaneScaler(const Rect& source, const Rect& destination, const FrameRect& area, int sourceWidth, int sourceHeight);
 
     /// Makes `area` of the destination, whose sample (`originX`, `originY`) is the first one of `out`.
-    void scale(const Plane& in, const MutablePlane& out, int originX, int originY, const PixelRect& area);
+    void scale(const Plane& in, const MutablePlane& out, int originX, int originY, const FrameRect& area);
 
     /// The part of the destination that depends on `area` of the source.
-    PixelRect affected(const PixelRect& area) const;
+    FrameRect affected(const FrameRect& area) const;
 
     bool isCopy() const { return m_columns.isCopy() && m_rows.isCopy(); }
 

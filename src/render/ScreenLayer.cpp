@@ -65,7 +65,7 @@ void ScreenLayer::lay(const Picture& screen)
     scale(screen, m_area);
 }
 
-void ScreenLayer::scale(const Picture& screen, const PixelRect& area)
+void ScreenLayer::scale(const Picture& screen, const FrameRect& area)
 {
     m_luma->scale(screen.plane(PlaneY), m_scaled.plane(PlaneY), 0, 0, area);
     m_chroma->scale(screen.plane(PlaneCb), m_scaled.plane(PlaneCb), 0, 0, area.halved());
@@ -76,7 +76,7 @@ void ScreenLayer::scale(const Picture& screen, const PixelRect& area)
 }
 
 /// The outermost samples that the fitted screen covers only in part show the background through.
-void ScreenLayer::blendEdges(int index, const PixelRect& area)
+void ScreenLayer::blendEdges(int index, const FrameRect& area)
 {
     const auto rect = index == PlaneY ? m_destination : halved(m_destination);
     const auto plane = m_scaled.plane(index);
@@ -121,7 +121,7 @@ void ScreenLayer::markDifferences(const Picture& before, const Picture& now, Til
     changed.add(destination);
 }
 
-void ScreenLayer::draw(PictureBuffer& frame, const PixelRect& area) const
+void ScreenLayer::draw(PictureBuffer& frame, const FrameRect& area) const
 {
     for (int index : { PlaneY, PlaneCb, PlaneCr }) {
         const auto part = index == PlaneY ? area : area.halved();

@@ -21,12 +21,12 @@ public:
     const Picture& whole() const { return m_whole; }
 
     /// Draws `area` of the layer, which has even edges.
-    void draw(PictureBuffer& frame, const PixelRect& area) const;
+    void draw(PictureBuffer& frame, const FrameRect& area) const;
 
 private:
     void lay(const Picture& screen);
-    void scale(const Picture& screen, const PixelRect& area);
-    void blendEdges(int plane, const PixelRect& area);
+    void scale(const Picture& screen, const FrameRect& area);
+    void blendEdges(int plane, const FrameRect& area);
     void markDifferences(const Picture& before, const Picture& now, TileMap& changed);
 
     const int m_width;
@@ -37,7 +37,7 @@ private:
     Picture m_whole;
     PictureBuffer m_scaled; ///< Background and fitted screen, where the screen is not simply the frame.
     Rect m_destination; ///< Of the fitted screen in the frame, y downwards.
-    PixelRect m_area; ///< All pixels that it touches.
+    FrameRect m_area; ///< All pixels that it touches.
     std::optional<PlaneScaler> m_luma;
     std::optional<PlaneScaler> m_chroma;
 };

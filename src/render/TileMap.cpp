@@ -13,7 +13,7 @@ TileMap::TileMap(int width, int height)
 {
 }
 
-void TileMap::mark(const PixelRect& rect)
+void TileMap::mark(const FrameRect& rect)
 {
     const auto area = rect.intersected({ 0, 0, m_width, m_height });
     if (area.empty())
@@ -44,12 +44,12 @@ bool TileMap::empty() const
     return std::find(m_tiles.begin(), m_tiles.end(), 1) == m_tiles.end();
 }
 
-std::vector<PixelRect> TileMap::runs(int row) const
+std::vector<FrameRect> TileMap::runs(int row) const
 {
     const auto* tiles = m_tiles.data() + static_cast<std::size_t>(row) * m_columns;
     const int top = row * tileSize;
     const int bottom = std::min(top + tileSize, m_height);
-    std::vector<PixelRect> runs;
+    std::vector<FrameRect> runs;
     for (int column = 0; column < m_columns; ++column) {
         if (!tiles[column])
             continue;
@@ -61,15 +61,15 @@ std::vector<PixelRect> TileMap::runs(int row) const
     return runs;
 }
 
-std::vector<PixelRect> TileMap::rects() const
+std::vector<FrameRect> TileMap::rects() const
 {
-    const auto sameColumns = [](const PixelRect& a, const PixelRect& b) { return a.left == b.left && a.right == b.right; };
-    std::vector<PixelRect> rects;
+    const auto sameColumns = [](const FrameRect& a, const FrameRect& b) { return a.left == b.left && a.right == b.right; };
+    std::vector<FrameRect> rects;
     std::ptrdiff_t above = 0; // From here on the rectangles end where the current row begins.
     for (int row = 0; row < m_rows; ++row) {
         const auto current = runs(row);
         if (std::equal(rects.begin() + above, rects.end(), current.begin(), current.end(), sameColumns)) {
-            std::for_each(rects.begin() + above, rects.end(), [&](PixelRect& rect) { rect.bottom = current.front().bottom; });
+            std::for_each(rects.begin() + above, rects.end(), [&](FrameRect& rect) { rect.bottom = current.front().bottom; });
         } else {
             above = std::ssize(rects);
             rects.insert(rects.end(), current.begin(), current.end());

@@ -17,7 +17,7 @@ public:
     /// For a frame of `width` by `height` pixels; nothing is marked.
     TileMap(int width, int height);
 
-    void mark(const PixelRect& rect);
+    void mark(const FrameRect& rect);
     void markAll();
     void markTile(int column, int row) { m_tiles[static_cast<std::size_t>(row) * m_columns + column] = 1; }
     void clear();
@@ -30,10 +30,10 @@ public:
     int rows() const { return m_rows; }
 
     /// The marked tiles as few rectangles with even edges that do not overlap.
-    std::vector<PixelRect> rects() const;
+    std::vector<FrameRect> rects() const;
 
 private:
-    std::vector<PixelRect> runs(int row) const;
+    std::vector<FrameRect> runs(int row) const;
 
     int m_width = 0;
     int m_height = 0;

@@ -94,7 +94,7 @@ struct Difference {
 };
 
 /// Looks at about two thousand pixels of the area.
-Difference difference(const Picture& picture, const ReferenceFrame& reference, const PixelRect& area)
+Difference difference(const Picture& picture, const ReferenceFrame& reference, const FrameRect& area)
 {
     const int step = std::max(2, static_cast<int>(std::sqrt(area.width() * area.height() / 2000.0))) | 1;
     const auto luma = picture.plane(PlaneY);

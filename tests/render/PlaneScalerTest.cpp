@@ -59,7 +59,7 @@ TEST(PlaneScaler, putsEverySampleWhereItBelongs)
     for (const auto& [from, to] :
         { Case{ { 0, 0, 300, 200 }, { 0, 0, 450, 300 } }, Case{ { 20.5, 10.25, 200, 150 }, { 3.2, 7.7, 133.3, 100.1 } },
             Case{ { 40, 30, 100, 100 }, { -20.4, -10.6, 280.8, 280.8 } } }) {
-        const PixelRect area{ 4, 8, 120, 90 };
+        const FrameRect area{ 4, 8, 120, 90 };
         Samples out(120, 90);
         PlaneScaler scaler(from, to, area, 300, 200);
         scaler.scale(source.plane(), out.plane(), 0, 0, area);
@@ -99,11 +99,11 @@ TEST(PlaneScaler, doesNotLetWhatWasCroppedBleedIn)
 TEST(PlaneScaler, knowsWhatAChangeOfTheSourceReaches)
 {
     auto source = noise(200, 150);
-    const PixelRect all{ 0, 0, 130, 100 };
+    const FrameRect all{ 0, 0, 130, 100 };
     PlaneScaler scaler({ 3.3, 0, 190, 150 }, { 1.7, 2.2, 127, 97 }, all, 200, 150);
     Samples before(130, 100);
     scaler.scale(source.plane(), before.plane(), 0, 0, all);
-    const PixelRect change{ 64, 32, 96, 64 };
+    const FrameRect change{ 64, 32, 96, 64 };
     for (int y = change.top; y < change.bottom; ++y)
         for (int x = change.left; x < change.right; ++x)
             source.plane().row(y)[x] ^= 0xff;
