@@ -1,11 +1,10 @@
 #include "project/ProjectDecoder.h"
 
-#include "base/AppError.h"
 #include "project/EnumNames.h"
+#include "project/JsonDocument.h"
 #include "project/JsonValue.h"
 #include "project/ProjectLimits.h"
 
-#include <algorithm>
 #include <functional>
 
 namespace vantry {
@@ -133,52 +132,11 @@ Project decode(const JsonValue& value)
     return project;
 }
 
-/// Watches the document grow and stops it before it fills the memory.
-class Growth {
-public:
-    bool operator()(int depth, Json::parse_event_t, const Json&)
-    {
-        if (depth > deepestProjectValue)
-            throw AppError("nested too deeply");
-        // Lists and objects count twice, at their start and at their end; keys count too.
-        if (++m_events > 3 * mostProjectValues)
-            throw AppError("too many values");
-        return true;
-    }
-
-private:
-    std::size_t m_events = 0;
-};
-
-std::string placeOf(std::size_t byte, std::string_view bytes)
-{
-    const auto before = bytes.substr(0, byte > 0 ? byte - 1 : 0);
-    const auto line = std::ranges::count(before, '\n') + 1;
-    const auto column = before.size() - (before.rfind('\n') + 1) + 1;
-    return "line " + std::to_string(line) + ", column " + std::to_string(column);
-}
-
-Json parse(std::string_view bytes)
-{
-    // The parser would take a NUL for the end.
-    if (const auto nul = bytes.find('\0'); nul != bytes.npos)
-        throw AppError(placeOf(nul + 1, bytes) + ": not valid JSON");
-    try {
-        return Json::parse(bytes, Growth());
-    } catch (const Json::parse_error& error) {
-        throw AppError(placeOf(error.byte, bytes) + ": not valid JSON");
-    } catch (const Json::out_of_range&) {
-        throw AppError("a number is too large");
-    }
-}
-
 } // namespace
 
 Project decodeProject(std::string_view bytes)
 {
-    if (bytes.size() > largestProjectFile)
-        throw AppError(tooLargeText);
-    const auto document = parse(bytes);
+    const auto document = parseJson(bytes);
     return decode(JsonValue(document));
 }
 
