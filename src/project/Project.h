@@ -18,8 +18,14 @@ enum class Layout {
 /// Clockwise from the top left.
 enum class Corner { topLeft, topRight, bottomRight, bottomLeft };
 
-constexpr bool isLeft(Corner corner) { return corner == Corner::topLeft || corner == Corner::bottomLeft; }
-constexpr bool isTop(Corner corner) { return corner == Corner::topLeft || corner == Corner::topRight; }
+constexpr bool isLeft(Corner corner)
+{
+    return corner == Corner::topLeft || corner == Corner::bottomLeft;
+}
+constexpr bool isTop(Corner corner)
+{
+    return corner == Corner::topLeft || corner == Corner::topRight;
+}
 
 enum class OverlayKind {
     bubble, ///< A pop-up callout or speech bubble.
@@ -95,8 +101,8 @@ struct Timestamp {
     auto operator<=>(const Timestamp&) const = default;
 };
 
-/// A recording: clips played back to back as one timeline, and everything that is placed on it. A plain value; a change is made on a
-/// copy that then replaces the whole.
+/// A recording: clips played back to back as one timeline, and everything that is placed on it. A plain value; a change is made on
+/// a copy that then replaces the whole.
 struct Project {
     std::string name;
     Timestamp created = Timestamp::now();

@@ -27,7 +27,7 @@ public:
     auto operator<=>(const Uuid&) const = default;
 
 private:
-    std::array<std::uint8_t, 16> m_bytes {};
+    std::array<std::uint8_t, 16> m_bytes{};
 };
 
 } // namespace vantry
