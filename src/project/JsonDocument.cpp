@@ -85,7 +85,7 @@ Json parseJson(std::string_view bytes)
     if (bytes.size() > largestProjectFile)
         throw AppError(tooLargeText);
     // The parser would take a NUL for the end.
-    if (const auto nul = bytes.find('\0'); nul != bytes.npos)
+    if (const auto nul = bytes.find('\0'); nul != std::string_view::npos)
         throw AppError(placeOf(nul, bytes) + ": not valid JSON");
     Inspection inspection(bytes);
     Json::sax_parse(bytes, &inspection);

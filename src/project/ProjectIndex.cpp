@@ -49,6 +49,7 @@ std::vector<ProjectIndex::LayoutInForce> layoutsInForce(const std::vector<Layout
 std::vector<IntervalTree::Interval> timesOnScreen(const std::vector<Overlay>& overlays)
 {
     std::vector<IntervalTree::Interval> intervals;
+    intervals.reserve(overlays.size());
     for (const auto& overlay : overlays)
         intervals.push_back({ overlay.start, overlay.start + overlay.duration });
     return intervals;

@@ -21,7 +21,8 @@ inline constexpr int deepestProjectValue = 32;
 /// Names a file in the folder itself, wherever that folder is.
 constexpr bool isPlainFileName(std::string_view name)
 {
-    return !name.empty() && name != "." && name != ".." && name.find('/') == name.npos && name.find('\0') == name.npos;
+    return !name.empty() && name != "." && name != ".." && name.find('/') == std::string_view::npos
+        && name.find('\0') == std::string_view::npos;
 }
 
 } // namespace vantry
