@@ -103,7 +103,7 @@ std::string replaced(std::string_view from, std::string_view to)
 {
     std::string file(fullFile);
     const auto place = file.find(from);
-    EXPECT_NE(place, file.npos) << from;
+    EXPECT_NE(place, std::string::npos) << from;
     return file.replace(place, from.size(), to);
 }
 
