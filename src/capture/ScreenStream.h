@@ -1,9 +1,8 @@
 #pragma once
 
 #include "base/AppError.h"
-#include "base/HostTime.h"
 #include "base/Worker.h"
-#include "media/Picture.h"
+#include "capture/Sample.h"
 #include "platform/Displays.h"
 
 #include <functional>
@@ -14,10 +13,7 @@
 namespace vantry {
 
 /// One complete picture of the screen and when it was taken.
-struct ScreenFrame {
-    Picture picture;
-    HostTime time;
-};
+using ScreenFrame = PictureSample;
 
 /// Records one display: a first frame right away, then one whenever something visible changed (the cursor, which is drawn in,
 /// counts too), at most 30 a second. Windows of the excluded processes are left out and what lies beneath them is seen.

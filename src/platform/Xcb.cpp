@@ -49,4 +49,18 @@ xcb_atom_t Connection::atom(std::string_view name) const
     return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
 }
 
+bool Connection::has(xcb_extension_t& extension) const
+{
+    const auto* data = xcb_get_extension_data(m_connection, &extension);
+    return data && data->present;
+}
+
+int Connection::firstEvent(xcb_extension_t& extension) const
+{
+    const auto* data = xcb_get_extension_data(m_connection, &extension);
+    if (!data)
+        throw AppError("The connection to the display server was lost");
+    return data->first_event;
+}
+
 } // namespace vantry::xcb

@@ -55,6 +55,11 @@ public:
 
     xcb_atom_t atom(std::string_view name) const;
 
+    bool has(xcb_extension_t&) const;
+
+    /// The number of an extension's first event. Ask as long as the server is there.
+    int firstEvent(xcb_extension_t&) const;
+
 private:
     xcb_connection_t* m_connection;
     const xcb_screen_t* m_screen = nullptr;
