@@ -75,12 +75,15 @@ std::vector<Monitor> monitors(const xcb::Connection& connection)
         return found;
     for (auto it = xcb_randr_get_monitors_monitors_iterator(reply.get()); it.rem > 0; xcb_randr_monitor_info_next(&it)) {
         const auto& info = *it.data;
-        Monitor monitor{ .display = { .x = info.x, .y = info.y, .width = info.width, .height = info.height },
-            .connector = atomName(connection, info.name),
-            .primary = info.primary != 0 };
+        auto& monitor = found.emplace_back();
+        monitor.display.x = info.x;
+        monitor.display.y = info.y;
+        monitor.display.width = info.width;
+        monitor.display.height = info.height;
+        monitor.connector = atomName(connection, info.name);
+        monitor.primary = info.primary != 0;
         if (info.nOutput > 0)
             monitor.edid = edidOf(connection, *xcb_randr_monitor_info_outputs(it.data));
-        found.push_back(std::move(monitor));
     }
     return found;
 }
@@ -89,7 +92,8 @@ std::vector<Monitor> monitors(const xcb::Connection& connection)
 Monitor wholeDesktop(const xcb::Connection& connection)
 {
     const auto geometry = connection.receive(xcb_get_geometry_reply, xcb_get_geometry(connection, connection.root()));
-    Monitor monitor{ .connector = "Screen" };
+    Monitor monitor;
+    monitor.connector = "Screen";
     if (geometry) {
         monitor.display.width = geometry->width;
         monitor.display.height = geometry->height;

@@ -15,7 +15,7 @@ std::int64_t wholeSeconds(double seconds)
 
 std::string twoDigits(std::int64_t number)
 {
-    return (number < 10 ? "0" : "") + std::to_string(number);
+    return std::string(number < 10 ? 1 : 0, '0') + std::to_string(number);
 }
 
 } // namespace
