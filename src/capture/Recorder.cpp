@@ -1,0 +1,140 @@
+#include "capture/Recorder.h"
+
+#include "base/Background.h"
+#include "base/Log.h"
+
+#include <chrono>
+#include <unistd.h>
+
+namespace vantry {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto longestFirstFrameWait = 3s;
+
+} // namespace
+
+Recorder::~Recorder()
+{
+    m_captureQueue.sync([this] { resumeFirstFrame(); });
+    m_screenQueue.finish();
+    m_stream.reset();
+    m_captureQueue.sync([this] {
+        if (m_writer)
+            m_writer->finish(HostClock::now(), [](const ClipOutcome&) {});
+        m_writer.reset();
+        m_finishing.reset();
+    });
+}
+
+QFuture<void> Recorder::startScreen(const Display& display)
+{
+    return inBackground(m_screenQueue, [this, display] {
+        openStream(display);
+        awaitFirstFrame();
+    });
+}
+
+QFuture<void> Recorder::stopScreen()
+{
+    return inBackground(m_screenQueue, [this] {
+        m_stream.reset();
+        m_captureQueue.sync([this] { m_latestScreen.reset(); });
+    });
+}
+
+void Recorder::openStream(const Display& display)
+{
+    m_stream.reset();
+    const ScreenStream::Handlers handlers {
+        .onFrame = [this](const ScreenFrame& frame) { onFrame(frame); },
+        .onError = [this](const AppError& error) {
+            if (m_onStreamError)
+                m_onStreamError(QString::fromUtf8(error.what()));
+        },
+    };
+    // Our own windows are no part of what is recorded.
+    m_stream = std::make_unique<ScreenStream>(display, m_captureQueue, handlers, ScreenStream::Options { .excludedProcesses = { getpid() } });
+    m_captureQueue.sync([this, width = m_stream->width(), height = m_stream->height()] { m_screenSize = { width, height }; });
+}
+
+void Recorder::awaitFirstFrame()
+{
+    std::future<void> arrived = m_captureQueue.sync([this] {
+        m_firstFrame.emplace();
+        std::future<void> future = m_firstFrame->get_future();
+        if (m_latestScreen)
+            resumeFirstFrame();
+        return future;
+    });
+    if (arrived.wait_for(longestFirstFrameWait) == std::future_status::timeout)
+        m_captureQueue.sync([this] { m_firstFrame.reset(); });
+}
+
+void Recorder::onFrame(const ScreenFrame& frame)
+{
+    m_latestScreen = frame;
+    resumeFirstFrame();
+    if (m_writer)
+        m_writer->append(PictureSample { frame.picture, frame.time }, TrackKind::screen);
+}
+
+void Recorder::resumeFirstFrame()
+{
+    if (!m_firstFrame)
+        return;
+    m_firstFrame->set_value();
+    m_firstFrame.reset();
+}
+
+void Recorder::beginClip(const std::filesystem::path& file)
+{
+    m_captureQueue.sync([&] {
+        const HostTime start = HostClock::now();
+        auto writer = std::make_unique<ClipWriter>(file, ClipTracks { .screen = m_screenSize }, start);
+        // A still screen sends nothing, and yet every clip begins with a picture.
+        if (m_latestScreen)
+            writer->append(PictureSample { m_latestScreen->picture, start }, TrackKind::screen);
+        m_writer = std::move(writer);
+        m_clipStart = start;
+    });
+}
+
+QFuture<std::optional<double>> Recorder::endClip()
+{
+    const auto promise = std::make_shared<QPromise<std::optional<double>>>();
+    promise->start();
+    const auto complete = [promise](std::optional<double> duration) {
+        promise->addResult(duration);
+        promise->finish();
+    };
+    m_captureQueue.sync([&] {
+        if (!m_writer)
+            return complete(std::nullopt);
+        m_finishing = std::move(m_writer);
+        m_finishing->finish(HostClock::now(), [this, complete](const ClipOutcome& outcome) {
+            onFinished(outcome);
+            complete(outcome.duration);
+        });
+    });
+    return promise->future();
+}
+
+/// On a thread of the writer, which therefore cannot be destroyed here.
+void Recorder::onFinished(const ClipOutcome& outcome)
+{
+    const TrackCounts& screen = outcome.counts[static_cast<std::size_t>(TrackKind::screen)];
+    qCInfo(logCapture) << "clip with" << screen.appended << "screen pictures," << screen.dropped << "dropped";
+    if (!outcome.duration)
+        qCWarning(logCapture) << "clip not completed:" << outcome.problem.c_str();
+    m_captureQueue.post([this] { m_finishing.reset(); });
+}
+
+double Recorder::elapsed()
+{
+    return m_captureQueue.sync([this] { return m_writer ? seconds(HostClock::now() - m_clipStart) : 0.0; });
+}
+
+} // namespace vantry

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "base/Worker.h"
+#include "capture/ClipWriter.h"
+#include "capture/ScreenStream.h"
+#include "platform/Displays.h"
+
+#include <QFuture>
+#include <QString>
+
+#include <filesystem>
+#include <functional>
+#include <future>
+#include <memory>
+#include <optional>
+
+namespace vantry {
+
+/// The one capture engine: owns the screen stream, the writer of the clip in progress and the latest frame of the screen, and hands
+/// every sample to the writer. Its operations are called on the main thread; those that take long give a future. Destroying it in the
+/// middle of a clip finishes the clip's file.
+class Recorder {
+public:
+    using StreamErrorHandler = std::function<void(const QString& description)>;
+
+    Recorder() = default;
+    ~Recorder();
+
+    /// Called on the capture queue when the screen stream ended by itself. To be set before the first start.
+    void setOnStreamError(StreamErrorHandler handler) { m_onStreamError = std::move(handler); }
+
+    /// Starts the stream and is done when its first frame has come, or after 3 seconds without one. Fails with an AppError.
+    QFuture<void> startScreen(const Display& display);
+
+    /// Done when the stream is gone, and the latest frame with it.
+    QFuture<void> stopScreen();
+
+    /// Opens a writer for the file; samples go there from now on, the screen as it is now before all others. Throws AppError when the
+    /// file cannot be opened; what was recorded before goes on then.
+    void beginClip(const std::filesystem::path& file);
+
+    /// Takes the writer away from the samples at once and finishes its file. The clip's length in seconds; nothing when there was no
+    /// clip or its file could not be completed.
+    QFuture<std::optional<double>> endClip();
+
+    /// Seconds since the clip's start; 0 without a clip.
+    double elapsed();
+
+    /// Whether clips have a camera track.
+    bool hasCamera() const { return false; }
+
+private:
+    void openStream(const Display& display);
+    void awaitFirstFrame();
+    void onFrame(const ScreenFrame& frame);
+    void resumeFirstFrame();
+    void onFinished(const ClipOutcome& outcome);
+
+    StreamErrorHandler m_onStreamError;
+
+    // Belongs to the screen queue.
+    std::unique_ptr<ScreenStream> m_stream;
+
+    // Belongs to the capture queue.
+    std::unique_ptr<ClipWriter> m_writer;
+    std::unique_ptr<ClipWriter> m_finishing; ///< The writer of a clip that has ended, until its file is complete.
+    HostTime m_clipStart;
+    std::optional<ScreenFrame> m_latestScreen;
+    std::optional<std::promise<void>> m_firstFrame;
+    PictureSize m_screenSize;
+
+    // The screen's jobs wait for the capture queue, never the other way round.
+    Worker m_captureQueue { "vantry.capture" };
+    Worker m_screenQueue { "vantry.screen" };
+};
+
+} // namespace vantry
