@@ -1,0 +1,280 @@
+#include "model/AppModel.h"
+
+#include "base/Log.h"
+#include "capture/Recorder.h"
+#include "model/ChangeTo.h"
+#include "model/Coroutines.h"
+#include "model/ExportFlow.h"
+#include "model/Paths.h"
+#include "model/RecordingFlow.h"
+#include "project/ProjectFile.h"
+#include "project/Timeline.h"
+
+#include <QCoreApplication>
+#include <QPointer>
+
+#include <algorithm>
+#include <cmath>
+
+namespace vantry {
+
+using namespace Qt::StringLiterals;
+namespace fs = std::filesystem;
+
+AppModel::AppModel(Options options)
+    : m_storage(std::move(options.root))
+    , m_settings(options.settingsFile)
+    , m_recorder(std::make_unique<Recorder>())
+    , m_recording(std::make_unique<RecordingFlow>(*this, *m_recorder))
+    , m_export(std::make_unique<ExportFlow>(*this, std::move(options.reveal)))
+{
+    m_recorder->setOnStreamError([model = QPointer(this)](const QString& description) {
+        QMetaObject::invokeMethod(
+            qApp, [model, description] { if (model) model->onStreamError(description); }, Qt::QueuedConnection);
+    });
+}
+
+AppModel::~AppModel() = default;
+
+void AppModel::open(const fs::path& folder)
+{
+    if (!idle())
+        return;
+    try {
+        setProject(loadProject(folder));
+    } catch (const std::exception& error) {
+        setAlert("Could not open project: "_L1 + describe(error));
+        return;
+    }
+    setFolder(folder);
+    setPendingSeek(0);
+    setPhase(Phase::editing());
+    countRevisionUp();
+}
+
+void AppModel::open(const QString& folder)
+{
+    open(toPath(folder));
+}
+
+void AppModel::newProject()
+{
+    const QDateTime now = QDateTime::currentDateTime();
+    setFolder(m_storage.createFolder(now));
+    Project project;
+    project.name = newProjectName(now, QLocale::system()).toStdString();
+    project.layouts = { { .time = 0, .layout = m_settings.setupLayout(), .corner = m_settings.setupCorner() } };
+    project.bubbleSize = m_settings.setupBubble();
+    project.blurBackground = m_settings.setupBlur();
+    project.screenCrop = m_settings.setupCrop();
+    setProject(std::move(project));
+}
+
+void AppModel::dropEmptyProject()
+{
+    if (m_folder)
+        ProjectStorage::removeIfEmpty(*m_folder);
+    setProject(std::nullopt);
+    setFolder(std::nullopt);
+}
+
+void AppModel::edit(Rebuild rebuild, const std::function<void(Project&)>& change)
+{
+    if (!m_project)
+        return;
+    Project changed = *m_project;
+    change(changed);
+    setProject(std::move(changed));
+    if (rebuild == Rebuild::Yes)
+        countRevisionUp();
+    if (m_folder)
+        save();
+}
+
+void AppModel::save()
+{
+    try {
+        saveProject(*m_project, *m_folder);
+    } catch (const std::exception& error) {
+        setAlert("Could not save the project: "_L1 + describe(error));
+    }
+}
+
+void AppModel::newRecording()
+{
+    if (!idle())
+        return;
+    setProject(std::nullopt);
+    setFolder(std::nullopt);
+    setPhase(Phase::setup());
+}
+
+void AppModel::record(std::optional<double> cutAt)
+{
+    m_recording->record(cutAt);
+}
+
+void AppModel::record()
+{
+    m_recording->record(std::nullopt);
+}
+
+void AppModel::retakeLast(double seconds)
+{
+    m_recording->record(std::max(0.0, projectLength() - seconds));
+}
+
+void AppModel::cancelStart()
+{
+    m_recording->cancelStart();
+}
+
+void AppModel::stop(double back)
+{
+    m_recording->stop(back);
+}
+
+void AppModel::exportTo(const fs::path& file)
+{
+    m_export->start(file);
+}
+
+void AppModel::exportTo(const QUrl& file)
+{
+    m_export->start(toPath(file.toLocalFile()));
+}
+
+void AppModel::cancelExport()
+{
+    m_export->cancel();
+}
+
+QUrl AppModel::suggestedVideo() const
+{
+    QString name = u"video"_s;
+    if (m_project)
+        name = QString::fromStdString(m_project->youtube.title.empty() ? m_project->name : m_project->youtube.title);
+    return QUrl::fromLocalFile(text(root().parent_path()) + u'/' + name.replace(u'/', u'-') + ".mp4"_L1);
+}
+
+void AppModel::quit()
+{
+    launch(finishAndQuit(), [this](const QString&) { Q_EMIT readyToQuit(); });
+}
+
+QCoro::Task<> AppModel::finishAndQuit()
+{
+    const QPointer<AppModel> self(this);
+    m_export->cancel();
+    co_await m_export->ended();
+    if (self)
+        co_await m_recording->finishClip();
+    if (self)
+        Q_EMIT readyToQuit();
+}
+
+void AppModel::listDisplays()
+{
+    try {
+        m_displays = vantry::displays();
+    } catch (const std::exception& error) {
+        qCInfo(logModel) << "no displays:" << error.what();
+        return;
+    }
+    const auto chosen = std::ranges::find(m_displays, m_settings.displayID(), &Display::id);
+    if (chosen == m_displays.end() && !m_displays.empty())
+        m_settings.setDisplayID(m_displays.front().id);
+}
+
+void AppModel::onStreamError(const QString& description)
+{
+    setAlert("Screen capture stopped: "_L1 + description);
+    if (m_phase.isCountdown())
+        cancelStart();
+    stop(0);
+}
+
+void AppModel::setPhase(Phase phase)
+{
+    if (!changeTo(m_phase, phase))
+        return;
+    Q_EMIT phaseChanged();
+    if (phase == Phase::setup())
+        Q_EMIT recentChanged();
+}
+
+void AppModel::setLiveTime(double time)
+{
+    if (changeTo(m_liveTime, time))
+        Q_EMIT liveTimeChanged();
+}
+
+void AppModel::setPlayhead(double time)
+{
+    // Also what is not a number becomes the start.
+    if (changeTo(m_playhead, time > 0 ? time : 0))
+        Q_EMIT playheadChanged();
+}
+
+void AppModel::setAlert(const std::optional<QString>& text)
+{
+    if (changeTo(m_alert, text))
+        Q_EMIT alertChanged();
+}
+
+void AppModel::setBusy(const std::optional<QString>& text)
+{
+    if (changeTo(m_busy, text))
+        Q_EMIT busyChanged();
+}
+
+void AppModel::setExportProgress(std::optional<double> fraction)
+{
+    if (changeTo(m_exportProgress, fraction))
+        Q_EMIT exportProgressChanged();
+}
+
+void AppModel::countRevisionUp()
+{
+    ++m_revision;
+    Q_EMIT revisionChanged();
+}
+
+void AppModel::setProject(std::optional<Project> project)
+{
+    if (!m_project && !project)
+        return;
+    m_project = std::move(project);
+    Q_EMIT projectChanged();
+}
+
+void AppModel::setFolder(const std::optional<fs::path>& folder)
+{
+    if (changeTo(m_folder, folder))
+        Q_EMIT folderChanged();
+}
+
+QString AppModel::folderText() const
+{
+    return m_folder ? text(*m_folder) : QString();
+}
+
+QString AppModel::projectName() const
+{
+    return m_project ? QString::fromStdString(m_project->name) : QString();
+}
+
+double AppModel::projectLength() const
+{
+    return m_project ? totalLength(*m_project) : 0;
+}
+
+QStringList AppModel::recentFolders() const
+{
+    QStringList folders;
+    for (const fs::path& folder : m_storage.recent())
+        folders.append(text(folder));
+    return folders;
+}
+
+} // namespace vantry

@@ -1,0 +1,192 @@
+#pragma once
+
+#include "model/Phase.h"
+#include "model/ProjectStorage.h"
+#include "model/Settings.h"
+#include "platform/Displays.h"
+#include "project/Project.h"
+
+#include <QCoroTask>
+#include <QObject>
+#include <QStringList>
+#include <QUrl>
+#include <QVariant>
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace vantry {
+
+class ExportFlow;
+class Recorder;
+class RecordingFlow;
+
+/// Whether an edit changes what the preview shows.
+enum class Rebuild { No, Yes };
+
+/// The one face that the views see: where the application is, the open project, and the commands. Every change to the project goes
+/// through `edit`. Belongs to the main thread; a write of the value that is already held notifies nobody.
+class AppModel : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(vantry::Phase phase READ phase NOTIFY phaseChanged)
+    Q_PROPERTY(QString folder READ folderText NOTIFY folderChanged)
+    Q_PROPERTY(QString projectName READ projectName NOTIFY projectChanged)
+    Q_PROPERTY(double projectLength READ projectLength NOTIFY projectChanged)
+    Q_PROPERTY(int revision READ revision NOTIFY revisionChanged)
+    Q_PROPERTY(double liveTime READ liveTime NOTIFY liveTimeChanged)
+    Q_PROPERTY(double playhead READ playhead WRITE setPlayhead NOTIFY playheadChanged)
+    Q_PROPERTY(QString alert READ alertText WRITE setAlertText NOTIFY alertChanged)
+    Q_PROPERTY(QString busy READ busyText NOTIFY busyChanged)
+    Q_PROPERTY(QVariant exportProgress READ exportProgressValue NOTIFY exportProgressChanged)
+    Q_PROPERTY(QStringList recent READ recentFolders NOTIFY recentChanged)
+    Q_PROPERTY(vantry::Settings* settings READ settings CONSTANT)
+
+public:
+    struct Options {
+        std::filesystem::path root = ProjectStorage::defaultRoot();
+        std::filesystem::path settingsFile = Settings::defaultFile();
+        /// Shows a finished export to the user, where there is something to show it in.
+        std::function<void(const std::filesystem::path&)> reveal;
+    };
+
+    explicit AppModel(Options options);
+    ~AppModel() override;
+
+    // What the views watch.
+    Phase phase() const { return m_phase; }
+    const std::optional<Project>& project() const { return m_project; }
+    const std::optional<std::filesystem::path>& folder() const { return m_folder; }
+
+    /// Counted up whenever a preview of the project must be rebuilt.
+    int revision() const { return m_revision; }
+
+    /// Seconds recorded so far, the clip in progress included.
+    double liveTime() const { return m_liveTime; }
+
+    /// Project seconds.
+    double playhead() const { return m_playhead; }
+    const std::optional<QString>& alert() const { return m_alert; }
+    const std::optional<QString>& busy() const { return m_busy; }
+
+    /// From 0 to 1 while an export runs.
+    std::optional<double> exportProgress() const { return m_exportProgress; }
+    const std::vector<Display>& displays() const { return m_displays; }
+
+    Settings* settings() { return &m_settings; }
+    Recorder& recorder() { return *m_recorder; }
+    RecordingFlow& recording() { return *m_recording; }
+    ExportFlow& exporting() { return *m_export; }
+
+    // Storage.
+    const std::filesystem::path& root() const { return m_storage.root(); }
+    std::vector<std::filesystem::path> recent() const { return m_storage.recent(); }
+
+    /// Opens the project of a folder for editing, or says why not and changes nothing. Ignored while a recording is under way.
+    void open(const std::filesystem::path& folder);
+    Q_INVOKABLE void open(const QString& folder);
+
+    /// Makes a project of the settings, and its folder. Nothing is saved before the first edit.
+    void newProject();
+
+    /// Forgets the project, and deletes its folder if nothing was put into it.
+    void dropEmptyProject();
+
+    /// Changes a copy of the project, stores it and saves it. Nothing happens without a project; what cannot be saved stays in memory.
+    void edit(Rebuild rebuild, const std::function<void(Project&)>& change);
+
+    // Recording.
+    Q_INVOKABLE void newRecording();
+
+    /// Counts down and records a clip at the project's end. With a time, what comes after that time is cut off first. Ignored while a
+    /// recording is under way.
+    void record(std::optional<double> cutAt);
+    Q_INVOKABLE void record();
+
+    /// Records the last seconds of the project again.
+    Q_INVOKABLE void retakeLast(double seconds);
+    Q_INVOKABLE void cancelStart();
+
+    /// Ends the clip and edits, with the playhead `back` seconds before the end.
+    Q_INVOKABLE void stop(double back);
+
+    // Exporting.
+    void exportTo(const std::filesystem::path& file);
+    Q_INVOKABLE void exportTo(const QUrl& file);
+    Q_INVOKABLE void cancelExport();
+
+    /// Where the project's video could go: in the folder of movies, under the project's title or name.
+    Q_INVOKABLE QUrl suggestedVideo() const;
+
+    /// Finishes what must not be lost and then says `readyToQuit`.
+    Q_INVOKABLE void quit();
+
+    /// Finds the displays, and chooses the first where the chosen one is not among them. Without any the list stays empty.
+    void listDisplays();
+
+    // For the flows.
+    void setPhase(Phase phase);
+    void setLiveTime(double time);
+    void setPlayhead(double time);
+    void setPendingSeek(std::optional<double> time) { m_pendingSeek = time; }
+    std::optional<double> pendingSeek() const { return m_pendingSeek; }
+    void setAlert(const std::optional<QString>& text);
+    void setBusy(const std::optional<QString>& text);
+    void setExportProgress(std::optional<double> fraction);
+    void countRevisionUp();
+
+Q_SIGNALS:
+    void phaseChanged();
+    void projectChanged();
+    void folderChanged();
+    void revisionChanged();
+    void liveTimeChanged();
+    void playheadChanged();
+    void alertChanged();
+    void busyChanged();
+    void exportProgressChanged();
+    void displaysChanged();
+    void recentChanged();
+    void readyToQuit();
+
+private:
+    // As the views' bindings want them: absent is empty.
+    QString folderText() const;
+    QString projectName() const;
+    double projectLength() const;
+    QString alertText() const { return m_alert.value_or(QString()); }
+    void setAlertText(const QString& text) { setAlert(text.isEmpty() ? std::nullopt : std::optional(text)); }
+    QString busyText() const { return m_busy.value_or(QString()); }
+    QVariant exportProgressValue() const { return m_exportProgress ? QVariant(*m_exportProgress) : QVariant(); }
+    QStringList recentFolders() const;
+
+    bool idle() const { return m_phase == Phase::setup() || m_phase == Phase::editing(); }
+    void setProject(std::optional<Project> project);
+    void setFolder(const std::optional<std::filesystem::path>& folder);
+    void save();
+    void onStreamError(const QString& description);
+    QCoro::Task<> finishAndQuit();
+
+    ProjectStorage m_storage;
+    Settings m_settings;
+
+    Phase m_phase;
+    std::optional<Project> m_project;
+    std::optional<std::filesystem::path> m_folder;
+    int m_revision = 0;
+    double m_liveTime = 0;
+    double m_playhead = 0;
+    std::optional<QString> m_alert;
+    std::optional<QString> m_busy;
+    std::optional<double> m_exportProgress;
+    std::vector<Display> m_displays;
+    std::optional<double> m_pendingSeek;
+
+    std::unique_ptr<Recorder> m_recorder;
+    std::unique_ptr<RecordingFlow> m_recording;
+    std::unique_ptr<ExportFlow> m_export;
+};
+
+} // namespace vantry

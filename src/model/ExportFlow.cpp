@@ -1,0 +1,136 @@
+#include "model/ExportFlow.h"
+
+#include "base/Background.h"
+#include "model/AppModel.h"
+#include "model/Coroutines.h"
+#include "model/DetailsFile.h"
+#include "render/Exporter.h"
+
+#include <QCoroFuture>
+#include <QCoroSignal>
+#include <QPointer>
+
+#include <chrono>
+#include <utility>
+
+namespace vantry {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+ExportFlow::ExportFlow(AppModel& model, Reveal reveal)
+    : m_model(model)
+    , m_reveal(std::move(reveal))
+{
+    m_poll.setInterval(300ms);
+    connect(&m_poll, &QTimer::timeout, this, &ExportFlow::showProgress);
+}
+
+ExportFlow::~ExportFlow()
+{
+    cancel();
+}
+
+void ExportFlow::start(const std::filesystem::path& file)
+{
+    launch(runWithSettings(file), [flow = QPointer(this)](const QString& description) { if (flow) flow->fail(description); });
+}
+
+QCoro::Task<> ExportFlow::runWithSettings(std::filesystem::path file)
+{
+    co_await run(std::move(file), m_model.settings()->exportHeight());
+}
+
+QCoro::Task<ExportFlow::Outcome> ExportFlow::run(std::filesystem::path file, int height)
+{
+    if (m_running || !m_model.project() || !m_model.folder())
+        co_return Outcome::NothingToExport;
+    const QPointer<ExportFlow> self(this);
+    const Project project = *m_model.project();
+    begin();
+    Outcome outcome = Outcome::Done;
+    QString failure;
+    try {
+        outcome = co_await makeVideo(project, *m_model.folder(), file, height);
+    } catch (const std::exception& error) {
+        outcome = Outcome::Failed;
+        failure = describe(error);
+    }
+    if (!self)
+        co_return Outcome::Cancelled;
+    end();
+    if (outcome == Outcome::Failed)
+        fail(failure);
+    if (outcome == Outcome::Done)
+        deliver(project.youtube, file);
+    co_return outcome;
+}
+
+/// On the worker, so that the views stay alive meanwhile.
+QFuture<ExportFlow::Outcome> ExportFlow::makeVideo(Project project, std::filesystem::path folder, std::filesystem::path file, int height)
+{
+    ExportOptions options {
+        .project = std::move(project),
+        .folder = std::move(folder),
+        .destination = std::move(file),
+        .height = height,
+        .onProgress = [fraction = m_fraction](double value) { *fraction = value; },
+        .cancel = m_cancel.get_token(),
+    };
+    return inBackground(m_worker, [options = std::move(options)] {
+        return Video::exportProject(options) == ExportOutcome::Finished ? Outcome::Done : Outcome::Cancelled;
+    });
+}
+
+void ExportFlow::deliver(const YouTubeInfo& info, const std::filesystem::path& video)
+{
+    writeDetailsFile(info, video);
+    if (m_reveal)
+        m_reveal(video);
+}
+
+void ExportFlow::fail(const QString& description)
+{
+    m_model.setAlert("Export failed: "_L1 + description);
+}
+
+void ExportFlow::cancel()
+{
+    m_cancel.request_stop();
+}
+
+QCoro::Task<> ExportFlow::ended()
+{
+    const QPointer<ExportFlow> self(this);
+    while (self && m_running)
+        co_await qCoro(this, &ExportFlow::runningChanged);
+}
+
+void ExportFlow::begin()
+{
+    m_running = true;
+    m_cancel = std::stop_source();
+    *m_fraction = 0;
+    m_model.setExportProgress(0);
+    m_model.setBusy(u"Exporting…"_s);
+    m_poll.start();
+    Q_EMIT runningChanged();
+}
+
+void ExportFlow::end()
+{
+    m_poll.stop();
+    m_running = false;
+    m_model.setBusy(std::nullopt);
+    m_model.setExportProgress(std::nullopt);
+    Q_EMIT runningChanged();
+}
+
+void ExportFlow::showProgress()
+{
+    const double fraction = *m_fraction;
+    m_model.setExportProgress(fraction);
+    m_model.setBusy(u"Exporting… %1%"_s.arg(static_cast<int>(fraction * 100)));
+}
+
+} // namespace vantry

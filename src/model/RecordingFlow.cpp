@@ -1,0 +1,227 @@
+#include "model/RecordingFlow.h"
+
+#include "base/AppError.h"
+#include "capture/Recorder.h"
+#include "model/AppModel.h"
+#include "model/Coroutines.h"
+#include "project/Edits.h"
+#include "project/Timeline.h"
+
+#include <QCoroFuture>
+#include <QCoroSignal>
+#include <QPointer>
+
+#include <algorithm>
+#include <chrono>
+
+namespace vantry {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr int countdownFrom = 3;
+constexpr int slicesPerSecond = 10;
+constexpr auto clockInterval = 250ms;
+constexpr auto startFailed = "Could not start recording: "_L1;
+
+} // namespace
+
+RecordingFlow::RecordingFlow(AppModel& model, Recorder& recorder)
+    : m_model(model)
+    , m_recorder(recorder)
+{
+    m_clock.setInterval(clockInterval);
+    connect(&m_clock, &QTimer::timeout, this, &RecordingFlow::tick);
+}
+
+void RecordingFlow::record(std::optional<double> cutAt)
+{
+    if (m_model.phase() != Phase::setup() && m_model.phase() != Phase::editing())
+        return;
+    launch(startClip(cutAt), [flow = QPointer(this)](const QString& description) { if (flow) flow->report(startFailed + description); });
+}
+
+void RecordingFlow::cancelStart()
+{
+    m_startCancelled = true;
+}
+
+void RecordingFlow::stop(double back)
+{
+    if (m_model.phase() != Phase::recording())
+        return;
+    launch(stopAndReview(back), [flow = QPointer(this)](const QString& description) { if (flow) flow->report(description); });
+}
+
+QCoro::Task<> RecordingFlow::startClip(std::optional<double> cutAt)
+{
+    const QPointer<RecordingFlow> self(this);
+    if (!permissionsOK())
+        co_return;
+    const Phase before = m_model.phase();
+    if (!m_model.project() || m_model.project()->clips.empty())
+        m_model.newProject();
+    m_startCancelled = false;
+    m_model.setPhase(Phase::countdown(countdownFrom));
+
+    std::optional<QString> failure;
+    try {
+        if (co_await countDownAndBegin(cutAt) == Start::Recording)
+            co_return;
+    } catch (const std::exception& error) {
+        failure = describe(error);
+    }
+    if (!self)
+        co_return;
+    co_await m_recorder.stopScreen();
+    if (!self)
+        co_return;
+    m_model.setPhase(before);
+    if (m_model.project() && m_model.project()->clips.empty())
+        m_model.dropEmptyProject();
+    if (failure)
+        report(startFailed + *failure);
+}
+
+/// What it throws is why the clip could not be started.
+QCoro::Task<RecordingFlow::Start> RecordingFlow::countDownAndBegin(std::optional<double> cutAt)
+{
+    const QPointer<RecordingFlow> self(this);
+    // The screen stream starts while the presenter is counted in.
+    const QCoro::Task<> capture = startCapture();
+    co_await countDown();
+    co_await capture;
+    if (!self || m_startCancelled)
+        co_return Start::Cancelled;
+    // Only now is it certain that there will be something in the place of what is cut off.
+    if (cutAt)
+        m_model.edit(Rebuild::No, [&](Project& project) { cut(project, *cutAt); });
+    beginClip();
+    co_return Start::Recording;
+}
+
+QCoro::Task<> RecordingFlow::countDown()
+{
+    const QPointer<RecordingFlow> self(this);
+    HostTime slice = HostClock::now();
+    for (int secondsLeft = countdownFrom; secondsLeft > 0; --secondsLeft) {
+        m_model.setPhase(Phase::countdown(secondsLeft));
+        for (int i = 0; i < slicesPerSecond && !m_startCancelled; ++i) {
+            slice += 1000ms / slicesPerSecond;
+            co_await sleepUntil(slice);
+            if (!self)
+                co_return;
+        }
+    }
+}
+
+QCoro::Task<> RecordingFlow::startCapture()
+{
+    const std::vector<Display> found = displays();
+    if (found.empty())
+        throw AppError("No display found");
+    const auto chosen = std::ranges::find(found, m_model.settings()->displayID(), &Display::id);
+    co_await m_recorder.startScreen(chosen == found.end() ? found.front() : *chosen);
+}
+
+/// Whether the screen can be recorded at all. Says why not.
+bool RecordingFlow::permissionsOK()
+{
+    try {
+        displays();
+        return true;
+    } catch (const std::exception& error) {
+        report(startFailed + describe(error));
+        return false;
+    }
+}
+
+void RecordingFlow::beginClip()
+{
+    const std::string name = unusedClipName();
+    m_recorder.beginClip(*m_model.folder() / name);
+    m_currentFile = name;
+    tick();
+    m_model.setPhase(Phase::recording());
+    m_clock.start();
+}
+
+/// "clip-" and the time in whole seconds. A clock that was set back does not make a clip overwrite an older one.
+std::string RecordingFlow::unusedClipName() const
+{
+    const auto now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
+    const std::string stem = "clip-" + std::to_string(now.time_since_epoch().count());
+    std::string name = stem + ".mov";
+    std::error_code error;
+    for (int suffix = 2; fs::exists(*m_model.folder() / name, error); ++suffix)
+        name = stem + "-" + std::to_string(suffix) + ".mov";
+    return name;
+}
+
+QCoro::Task<> RecordingFlow::finishClip()
+{
+    const QPointer<RecordingFlow> self(this);
+    while (self && m_model.phase() == Phase::saving())
+        co_await qCoro(&m_model, &AppModel::phaseChanged);
+    if (!self || m_model.phase() != Phase::recording())
+        co_return;
+    m_model.setPhase(Phase::saving());
+    m_clock.stop();
+    const std::optional<double> duration = co_await endClip();
+    if (!self)
+        co_return;
+    if (duration && m_currentFile)
+        appendClip(*duration);
+    else
+        report(u"The last clip could not be saved."_s);
+    m_currentFile.reset();
+    co_await m_recorder.stopScreen();
+}
+
+/// The clip's length; nothing when its file could not be completed.
+QCoro::Task<std::optional<double>> RecordingFlow::endClip()
+{
+    try {
+        co_return co_await m_recorder.endClip();
+    } catch (const std::exception& error) {
+        co_return std::nullopt;
+    }
+}
+
+void RecordingFlow::appendClip(double duration)
+{
+    m_model.edit(Rebuild::No, [&](Project& project) {
+        project.clips.push_back({ .file = *m_currentFile, .duration = duration, .keep = duration });
+    });
+}
+
+QCoro::Task<> RecordingFlow::stopAndReview(double back)
+{
+    const QPointer<RecordingFlow> self(this);
+    co_await finishClip();
+    if (!self)
+        co_return;
+    m_model.setPendingSeek(std::max(keptLength() - back, 0.0));
+    m_model.setPhase(Phase::editing());
+    m_model.countRevisionUp();
+}
+
+double RecordingFlow::keptLength() const
+{
+    return m_model.project() ? totalLength(*m_model.project()) : 0;
+}
+
+void RecordingFlow::tick()
+{
+    m_model.setLiveTime(keptLength() + m_recorder.elapsed());
+}
+
+void RecordingFlow::report(const QString& failure)
+{
+    m_model.setAlert(failure);
+}
+
+} // namespace vantry

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QCoroTask>
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+#include <optional>
+#include <string>
+
+namespace vantry {
+
+class AppModel;
+class Recorder;
+
+/// Turns the presenter's commands into clips: checks that recording is possible, counts down while the screen stream starts, cuts for a
+/// retake, keeps the live clock, and appends the finished clip to the project. Belongs to the main thread.
+class RecordingFlow : public QObject {
+    Q_OBJECT
+
+public:
+    /// Both outlive the flow.
+    RecordingFlow(AppModel& model, Recorder& recorder);
+
+    /// Starts a clip; with a time, the project is cut there before. Accepted in setup and editing only.
+    void record(std::optional<double> cutAt);
+
+    /// Ends a countdown as soon as the capture that is being started has started or failed. Nothing is recorded or cut then.
+    void cancelStart();
+
+    /// Ends the clip and edits, with the playhead `back` seconds before the end. Accepted while recording only.
+    void stop(double back);
+
+    /// Ends the clip in progress and waits until it is part of the project, also when it is being ended already.
+    QCoro::Task<> finishClip();
+
+private:
+    enum class Start { Recording, Cancelled };
+
+    QCoro::Task<> startClip(std::optional<double> cutAt);
+    QCoro::Task<Start> countDownAndBegin(std::optional<double> cutAt);
+    QCoro::Task<> countDown();
+    QCoro::Task<> startCapture();
+    QCoro::Task<> stopAndReview(double back);
+    QCoro::Task<std::optional<double>> endClip();
+
+    bool permissionsOK();
+    void beginClip();
+    void appendClip(double duration);
+    std::string unusedClipName() const;
+    double keptLength() const;
+    void tick();
+    void report(const QString& failure);
+
+    AppModel& m_model;
+    Recorder& m_recorder;
+    QTimer m_clock;
+    std::optional<std::string> m_currentFile;
+    bool m_startCancelled = false;
+};
+
+} // namespace vantry

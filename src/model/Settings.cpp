@@ -1,0 +1,151 @@
+#include "model/Settings.h"
+
+#include "model/ChangeTo.h"
+#include "model/CropText.h"
+#include "model/Paths.h"
+#include "project/EnumNames.h"
+
+#include <QStandardPaths>
+
+#include <cmath>
+#include <limits>
+
+namespace vantry {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+template<typename Enum>
+Enum named(const QVariant& stored, Enum otherwise)
+{
+    return valueNamed<Enum>(stored.toString().toStdString()).value_or(otherwise);
+}
+
+template<typename Enum>
+QString nameText(Enum value)
+{
+    const std::string_view name = nameOf(value);
+    return QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
+}
+
+template<typename Integer>
+Integer integer(const QVariant& stored, Integer otherwise)
+{
+    bool isNumber = false;
+    const qlonglong value = stored.toString().toLongLong(&isNumber);
+    const bool fits = value >= std::numeric_limits<Integer>::min() && value <= std::numeric_limits<Integer>::max();
+    return isNumber && fits ? static_cast<Integer>(value) : otherwise;
+}
+
+double number(const QVariant& stored, double otherwise)
+{
+    bool isNumber = false;
+    const double value = stored.toString().toDouble(&isNumber);
+    return isNumber && std::isfinite(value) ? value : otherwise;
+}
+
+bool boolean(const QVariant& stored, bool otherwise)
+{
+    const QString text = stored.toString();
+    if (text == "true"_L1 || text == "1"_L1)
+        return true;
+    if (text == "false"_L1 || text == "0"_L1)
+        return false;
+    return otherwise;
+}
+
+} // namespace
+
+std::filesystem::path Settings::defaultFile()
+{
+    return toPath(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)) / "vantry" / "settings.ini";
+}
+
+Settings::Settings(const std::filesystem::path& file)
+    : m_file(text(file), QSettings::IniFormat)
+    , m_displayID(integer<std::uint32_t>(m_file.value("displayID"), 0))
+    , m_cameraID(m_file.value("cameraID").toString())
+    , m_micID(m_file.value("micID").toString())
+    , m_setupLayout(named(m_file.value("layout"), Layout::camera))
+    , m_setupCorner(named(m_file.value("corner"), Corner::bottomRight))
+    , m_setupBubble(number(m_file.value("bubble"), 0.26))
+    , m_exportHeight(integer(m_file.value("exportHeight"), 1080))
+    , m_systemAudio(boolean(m_file.value("systemAudio"), true))
+    , m_setupBlur(boolean(m_file.value("blur"), false))
+    // A list is what the file's format makes of a rectangle that was typed in without quotes.
+    , m_setupCrop(parseCrop(m_file.value("crop").toStringList().join(", "_L1)))
+{
+}
+
+void Settings::setDisplayID(std::uint32_t value)
+{
+    m_file.setValue("displayID", value);
+    if (changeTo(m_displayID, value))
+        Q_EMIT displayIDChanged();
+}
+
+void Settings::setCameraID(const QString& value)
+{
+    m_file.setValue("cameraID", value);
+    if (changeTo(m_cameraID, value))
+        Q_EMIT cameraIDChanged();
+}
+
+void Settings::setMicID(const QString& value)
+{
+    m_file.setValue("micID", value);
+    if (changeTo(m_micID, value))
+        Q_EMIT micIDChanged();
+}
+
+void Settings::setSetupLayout(Layout value)
+{
+    m_file.setValue("layout", nameText(value));
+    if (changeTo(m_setupLayout, value))
+        Q_EMIT setupLayoutChanged();
+}
+
+void Settings::setSetupCorner(Corner value)
+{
+    m_file.setValue("corner", nameText(value));
+    if (changeTo(m_setupCorner, value))
+        Q_EMIT setupCornerChanged();
+}
+
+void Settings::setSetupBubble(double value)
+{
+    m_file.setValue("bubble", value);
+    if (changeTo(m_setupBubble, value))
+        Q_EMIT setupBubbleChanged();
+}
+
+void Settings::setExportHeight(int value)
+{
+    m_file.setValue("exportHeight", value);
+    if (changeTo(m_exportHeight, value))
+        Q_EMIT exportHeightChanged();
+}
+
+void Settings::setSystemAudio(bool value)
+{
+    m_file.setValue("systemAudio", value);
+    if (changeTo(m_systemAudio, value))
+        Q_EMIT systemAudioChanged();
+}
+
+void Settings::setSetupBlur(bool value)
+{
+    m_file.setValue("blur", value);
+    if (changeTo(m_setupBlur, value))
+        Q_EMIT setupBlurChanged();
+}
+
+void Settings::setSetupCrop(const std::optional<CropRect>& value)
+{
+    m_file.setValue("crop", value ? QVariant(cropText(*value)) : QVariant());
+    if (changeTo(m_setupCrop, value))
+        Q_EMIT setupCropChanged();
+}
+
+} // namespace vantry

@@ -1,0 +1,89 @@
+#pragma once
+
+// First, or the meta-object compiler stumbles over the standard library's concepts.
+#include <QObject>
+
+#include "project/Project.h"
+
+#include <QSettings>
+#include <QString>
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+
+namespace vantry {
+
+/// What the user chose for recordings and exports to come, kept in one INI file. Read once when it is made, written back under the
+/// same key on every assignment. Belongs to the main thread. A file that cannot be read or written costs the choices, nothing else.
+class Settings : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(quint32 displayID READ displayID WRITE setDisplayID NOTIFY displayIDChanged)
+    Q_PROPERTY(QString cameraID READ cameraID WRITE setCameraID NOTIFY cameraIDChanged)
+    Q_PROPERTY(QString micID READ micID WRITE setMicID NOTIFY micIDChanged)
+    Q_PROPERTY(double setupBubble READ setupBubble WRITE setSetupBubble NOTIFY setupBubbleChanged)
+    Q_PROPERTY(int exportHeight READ exportHeight WRITE setExportHeight NOTIFY exportHeightChanged)
+    Q_PROPERTY(bool systemAudio READ systemAudio WRITE setSystemAudio NOTIFY systemAudioChanged)
+    Q_PROPERTY(bool setupBlur READ setupBlur WRITE setSetupBlur NOTIFY setupBlurChanged)
+
+public:
+    explicit Settings(const std::filesystem::path& file);
+
+    /// The file in the user's configuration folder.
+    static std::filesystem::path defaultFile();
+
+    std::uint32_t displayID() const { return m_displayID; }
+    QString cameraID() const { return m_cameraID; }
+    QString micID() const { return m_micID; }
+    Layout setupLayout() const { return m_setupLayout; }
+    Corner setupCorner() const { return m_setupCorner; }
+
+    /// Diameter of the camera bubble as a fraction of the frame's height.
+    double setupBubble() const { return m_setupBubble; }
+
+    /// Pixels.
+    int exportHeight() const { return m_exportHeight; }
+    bool systemAudio() const { return m_systemAudio; }
+    bool setupBlur() const { return m_setupBlur; }
+
+    /// The part of the screen that new recordings show; nothing for all of it.
+    std::optional<CropRect> setupCrop() const { return m_setupCrop; }
+
+    void setDisplayID(std::uint32_t value);
+    void setCameraID(const QString& value);
+    void setMicID(const QString& value);
+    void setSetupLayout(Layout value);
+    void setSetupCorner(Corner value);
+    void setSetupBubble(double value);
+    void setExportHeight(int value);
+    void setSystemAudio(bool value);
+    void setSetupBlur(bool value);
+    void setSetupCrop(const std::optional<CropRect>& value);
+
+Q_SIGNALS:
+    void displayIDChanged();
+    void cameraIDChanged();
+    void micIDChanged();
+    void setupLayoutChanged();
+    void setupCornerChanged();
+    void setupBubbleChanged();
+    void exportHeightChanged();
+    void systemAudioChanged();
+    void setupBlurChanged();
+    void setupCropChanged();
+
+private:
+    QSettings m_file;
+    std::uint32_t m_displayID;
+    QString m_cameraID;
+    QString m_micID;
+    Layout m_setupLayout;
+    Corner m_setupCorner;
+    double m_setupBubble;
+    int m_exportHeight;
+    bool m_systemAudio;
+    bool m_setupBlur;
+    std::optional<CropRect> m_setupCrop;
+};
+
+} // namespace vantry

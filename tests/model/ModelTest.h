@@ -1,0 +1,39 @@
+#pragma once
+
+#include "model/AppModel.h"
+#include "project/ProjectFile.h"
+#include "support/PumpUntil.h"
+#include "support/TemporaryFolder.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace vantry::test {
+
+/// A test with a model that has a root and settings of its own.
+class ModelTest : public EventLoopTest {
+protected:
+    /// A folder that holds a project of this many seconds, in one clip whose movie does not exist.
+    std::filesystem::path writeProject(const std::string& name, double length = 10)
+    {
+        const auto folder = m_root / name;
+        std::filesystem::create_directories(folder);
+        Project project{ .name = name, .clips = { { .file = "clip-1.mov", .duration = length, .keep = length } }, .layouts = { {} } };
+        saveProject(project, folder);
+        return folder;
+    }
+
+    std::string alert() const { return m_model.alert().value_or(QString()).toStdString(); }
+
+    const TemporaryFolder m_folder;
+    const std::filesystem::path m_root = m_folder / "Videos/Vantry";
+    std::vector<std::filesystem::path> m_revealed;
+    AppModel m_model{ {
+        .root = m_root,
+        .settingsFile = m_folder / "settings.ini",
+        .reveal = [this](const std::filesystem::path& file) { m_revealed.push_back(file); },
+    } };
+};
+
+} // namespace vantry::test

@@ -1,0 +1,227 @@
+#include "model/ModelTest.h"
+#include "project/Timeline.h"
+#include "support/MovieProbe.h"
+#include "support/XServer.h"
+
+#include <QFile>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace vantry {
+
+namespace fs = std::filesystem;
+using test::pumpUntil;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+using testing::StartsWith;
+
+namespace {
+
+QByteArray contents(const fs::path& file)
+{
+    QFile opened(file);
+    return opened.open(QIODevice::ReadOnly) ? opened.readAll() : QByteArray();
+}
+
+/// Records a small screen of its own.
+class RecordingTest : public test::ModelTest {
+protected:
+    RecordingTest()
+    {
+        QObject::connect(&m_model, &AppModel::phaseChanged, &m_model, [this] { m_phases.push_back(m_model.phase()); });
+    }
+
+    bool reaches(Phase phase)
+    {
+        return pumpUntil([&] { return m_model.phase() == phase; });
+    }
+
+    /// One clip of about a second, and the model is editing.
+    void recordASecond(std::optional<double> cutAt = std::nullopt)
+    {
+        m_model.record(cutAt);
+        ASSERT_TRUE(reaches(Phase::recording())) << alert();
+        const double start = m_model.liveTime();
+        ASSERT_TRUE(pumpUntil([&] { return m_model.liveTime() >= start + 1; }));
+        m_model.stop(0);
+        ASSERT_TRUE(reaches(Phase::editing()));
+        ASSERT_THAT(alert(), IsEmpty());
+    }
+
+    test::XServer m_screen{ 320, 240 };
+    std::vector<Phase> m_phases;
+};
+
+} // namespace
+
+TEST_F(RecordingTest, aRecordingBecomesAClipOfTheProject)
+{
+    recordASecond();
+    EXPECT_THAT(m_phases,
+        ElementsAre(Phase::countdown(3), Phase::countdown(2), Phase::countdown(1), Phase::recording(), Phase::saving(), Phase::editing()));
+
+    const Project saved = loadProject(*m_model.folder());
+    ASSERT_THAT(saved.clips, SizeIs(1));
+    const Clip& clip = saved.clips.front();
+    EXPECT_THAT(clip.file, testing::MatchesRegex("clip-[0-9]+\\.mov"));
+    EXPECT_EQ(clip.keep, clip.duration);
+    EXPECT_EQ(clip.transcript, std::nullopt);
+    EXPECT_GE(clip.duration, 1);
+    EXPECT_EQ(m_model.revision(), 1);
+    EXPECT_EQ(m_model.pendingSeek(), clip.duration);
+
+    const fs::path movie = *m_model.folder() / clip.file;
+    EXPECT_EQ(test::probeStream(movie, "v:0")["codec_name"], "hevc");
+    EXPECT_EQ(test::probeStream(movie, "v:0")["width"], "320");
+    EXPECT_NEAR(test::probeEnd(movie, "v:0"), clip.duration, 0.01);
+    EXPECT_EQ(test::probeFrames(movie, "v:0").at(0).time, 0) << "a still screen has a picture from the first instant";
+}
+
+TEST_F(RecordingTest, aRetakeTakesThePlaceOfWhatWasCutOff)
+{
+    recordASecond();
+    const Clip first = m_model.project()->clips.front();
+    recordASecond(0.5);
+    const Project saved = loadProject(*m_model.folder());
+    ASSERT_THAT(saved.clips, SizeIs(2));
+    EXPECT_EQ(saved.clips[0].id, first.id);
+    EXPECT_EQ(saved.clips[0].keep, 0.5);
+    EXPECT_EQ(saved.clips[0].duration, first.duration);
+    EXPECT_EQ(saved.clips[1].keep, saved.clips[1].duration);
+    EXPECT_THAT(clipJoins(saved), ElementsAre(0.5));
+    EXPECT_TRUE(fs::exists(*m_model.folder() / saved.clips[1].file));
+    EXPECT_NE(saved.clips[0].file, saved.clips[1].file);
+}
+
+TEST_F(RecordingTest, aCancelledStartLeavesNothingBehind)
+{
+    m_model.record();
+    ASSERT_TRUE(reaches(Phase::countdown(2)));
+    const fs::path folder = *m_model.folder();
+    m_model.cancelStart();
+    ASSERT_TRUE(reaches(Phase::setup()));
+    EXPECT_FALSE(fs::exists(folder));
+    EXPECT_FALSE(m_model.project());
+    EXPECT_THAT(alert(), IsEmpty());
+
+    recordASecond();
+    EXPECT_THAT(m_model.project()->clips, SizeIs(1)) << "a new attempt starts afresh";
+}
+
+TEST_F(RecordingTest, aCancelledRetakeCutsNothing)
+{
+    m_model.open(writeProject("one"));
+    const QByteArray before = contents(*m_model.folder() / "project.json");
+    m_model.record(1.0);
+    ASSERT_TRUE(reaches(Phase::countdown(2)));
+    m_model.cancelStart();
+    ASSERT_TRUE(reaches(Phase::editing()));
+    EXPECT_EQ(totalLength(*m_model.project()), 10);
+    EXPECT_EQ(contents(*m_model.folder() / "project.json"), before);
+    EXPECT_THAT(alert(), IsEmpty());
+}
+
+TEST_F(RecordingTest, otherCommandsWaitUntilTheRecordingIsOver)
+{
+    const fs::path other = writeProject("other");
+    m_model.record();
+    m_model.record(0.0);
+    m_model.open(other);
+    m_model.newRecording();
+    ASSERT_TRUE(reaches(Phase::recording()));
+    const fs::path folder = *m_model.folder();
+    m_model.record();
+    m_model.open(other);
+    m_model.newRecording();
+    EXPECT_EQ(m_model.phase(), Phase::recording());
+    m_model.stop(30);
+    m_model.stop(0);
+    m_model.record();
+    m_model.open(other);
+    ASSERT_TRUE(reaches(Phase::editing()));
+    EXPECT_EQ(m_model.folder(), folder);
+    EXPECT_THAT(m_model.project()->clips, SizeIs(1));
+    EXPECT_EQ(m_model.pendingSeek(), 0) << "never before the start";
+}
+
+TEST_F(RecordingTest, aScreenThatVanishesEndsTheClip)
+{
+    m_model.record();
+    ASSERT_TRUE(reaches(Phase::recording()));
+    m_screen.kill();
+    ASSERT_TRUE(reaches(Phase::editing()));
+    EXPECT_THAT(alert(), StartsWith("Screen capture stopped: "));
+    EXPECT_THAT(loadProject(*m_model.folder()).clips, SizeIs(1));
+}
+
+TEST_F(RecordingTest, withoutAScreenNothingStarts)
+{
+    m_screen.kill();
+    m_model.record();
+    EXPECT_EQ(m_model.phase(), Phase::setup());
+    EXPECT_THAT(alert(), StartsWith("Could not start recording: "));
+    EXPECT_FALSE(m_model.project());
+}
+
+TEST_F(RecordingTest, aScreenThatVanishesWhileCountingLeavesNothingBehind)
+{
+    m_model.record();
+    const fs::path folder = *m_model.folder();
+    m_screen.kill();
+    ASSERT_TRUE(reaches(Phase::setup()));
+    EXPECT_FALSE(alert().empty());
+    EXPECT_FALSE(fs::exists(folder));
+}
+
+TEST_F(RecordingTest, aClipThatCannotBeWrittenIsNotStarted)
+{
+    m_model.record();
+    ASSERT_TRUE(reaches(Phase::countdown(1)));
+    fs::remove_all(*m_model.folder());
+    ASSERT_TRUE(reaches(Phase::setup()));
+    EXPECT_THAT(alert(), StartsWith("Could not start recording: "));
+    EXPECT_FALSE(m_model.project());
+}
+
+TEST_F(RecordingTest, quittingKeepsTheClip)
+{
+    bool ready = false;
+    QObject::connect(&m_model, &AppModel::readyToQuit, &m_model, [&] { ready = true; });
+    m_model.record();
+    ASSERT_TRUE(reaches(Phase::recording()));
+    EXPECT_FALSE(ready);
+    m_model.quit();
+    ASSERT_TRUE(pumpUntil([&] { return ready; }));
+    const Project saved = loadProject(*m_model.folder());
+    ASSERT_THAT(saved.clips, SizeIs(1));
+    EXPECT_NEAR(test::probeEnd(*m_model.folder() / saved.clips[0].file, "v:0"), saved.clips[0].duration, 0.01);
+}
+
+TEST_F(RecordingTest, anExportDeliversTheVideoAndItsDetails)
+{
+    recordASecond();
+    m_model.edit(Rebuild::No, [](Project& project) { project.youtube = { .title = "Intro", .description = "Hello", .tags = "a, b" }; });
+    m_model.settings()->setExportHeight(720);
+    const fs::path video = m_folder / "Intro.mp4";
+    m_model.exportTo(video);
+    ASSERT_TRUE(pumpUntil([&] { return !m_model.busy(); }));
+    ASSERT_THAT(alert(), IsEmpty());
+    EXPECT_EQ(test::probeStream(video, "v:0")["height"], "720");
+    EXPECT_EQ(contents(m_folder / "Intro.youtube.txt").toStdString(), "Intro\n\nHello\n\nTags: a, b\n");
+    EXPECT_THAT(m_revealed, ElementsAre(video));
+}
+
+TEST_F(RecordingTest, aCancelledExportLeavesNothing)
+{
+    recordASecond();
+    m_model.exportTo(m_folder / "out.mp4");
+    m_model.cancelExport();
+    ASSERT_TRUE(pumpUntil([&] { return !m_model.busy(); }));
+    EXPECT_THAT(alert(), IsEmpty());
+    EXPECT_FALSE(fs::exists(m_folder / "out.mp4"));
+    EXPECT_THAT(m_revealed, IsEmpty());
+}
+
+} // namespace vantry

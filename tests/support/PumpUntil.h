@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+namespace vantry::test {
+
+/// Lets the event loop run until the condition holds, and says whether it did before the time was over.
+template<typename Condition>
+bool pumpUntil(Condition condition, std::chrono::milliseconds longest = std::chrono::seconds(20))
+{
+    const QDeadlineTimer deadline(longest);
+    while (!condition()) {
+        if (deadline.hasExpired())
+            return false;
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 10);
+    }
+    return true;
+}
+
+/// A test with an event loop that `pumpUntil` runs.
+class EventLoopTest : public testing::Test {
+private:
+    int m_argumentCount = 1;
+    char m_name[5] = "test";
+    char* m_arguments[2] { m_name, nullptr };
+    QCoreApplication m_application { m_argumentCount, m_arguments };
+};
+
+} // namespace vantry::test
