@@ -1,0 +1,126 @@
+#include "app/HeadlessRun.h"
+
+#include "base/HostTime.h"
+#include "model/Coroutines.h"
+#include "model/ExportFlow.h"
+#include "model/Paths.h"
+
+#include <QCoreApplication>
+#include <QCoroSignal>
+
+#include <chrono>
+#include <cstdio>
+
+namespace vantry {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+void say(const QString& text)
+{
+    std::fprintf(stderr, "%s\n", text.toUtf8().constData());
+}
+
+} // namespace
+
+HeadlessRun::HeadlessRun(AppModel& model, CommandLine line)
+    : m_model(model)
+    , m_line(std::move(line))
+{
+    connect(&m_model, &AppModel::busyChanged, this, [this] {
+        if (m_model.busy())
+            m_progress.show(*m_model.busy(), m_model.exportProgress().value_or(0));
+    });
+}
+
+void HeadlessRun::start()
+{
+    launch(run(), [](const QString& description) {
+        say("vantry: "_L1 + description);
+        QCoreApplication::exit(EXIT_FAILURE);
+    });
+}
+
+QCoro::Task<> HeadlessRun::run()
+{
+    const int status = co_await serve();
+    m_progress.end();
+    QCoreApplication::exit(status);
+}
+
+QCoro::Task<int> HeadlessRun::serve()
+{
+    if (m_line.open)
+        m_model.open(*m_line.open);
+    else
+        co_await record(autorecordWait(*m_line.autorecord));
+    if (m_model.alert())
+        co_return failed();
+    if (m_signal != 0)
+        co_return interrupted();
+    co_return co_await exportVideo();
+}
+
+QCoro::Task<> HeadlessRun::record(double wait)
+{
+    const HostTime end = HostClock::now() + std::chrono::round<HostDuration>(std::chrono::duration<double>(wait));
+    m_model.listDisplays();
+    m_model.record();
+    if (underWay())
+        say(u"Recording…"_s);
+    while (underWay() && m_signal == 0 && HostClock::now() < end)
+        co_await qCoro(&m_model, &AppModel::phaseChanged, std::chrono::ceil<std::chrono::milliseconds>(end - HostClock::now()));
+    if (m_model.phase().isCountdown() && m_signal == 0)
+        m_model.setAlert(u"The recording did not begin in time"_s);
+    m_model.cancelStart();
+    m_model.stop(0);
+    while (underWay())
+        co_await qCoro(&m_model, &AppModel::phaseChanged);
+}
+
+QCoro::Task<int> HeadlessRun::exportVideo()
+{
+    const auto file = std::filesystem::absolute(*m_line.exportFile);
+    const auto outcome = co_await m_model.exporting().run(file, m_line.height.value_or(m_model.settings()->exportHeight()));
+    m_progress.end();
+    switch (outcome) {
+    case ExportFlow::Outcome::Done:
+        std::printf("%s\n", file.c_str());
+        co_return EXIT_SUCCESS;
+    case ExportFlow::Outcome::Cancelled:
+        co_return interrupted();
+    case ExportFlow::Outcome::Failed:
+    case ExportFlow::Outcome::NothingToExport:
+        break;
+    }
+    co_return failed();
+}
+
+void HeadlessRun::interrupt(int signal)
+{
+    m_signal = signal;
+    m_model.cancelExport();
+    m_model.cancelStart();
+    m_model.stop(0);
+}
+
+bool HeadlessRun::underWay() const
+{
+    return m_model.phase() != Phase::setup() && m_model.phase() != Phase::editing();
+}
+
+int HeadlessRun::interrupted() const
+{
+    const bool recorded = m_line.autorecord && m_model.folder();
+    say(recorded ? "Interrupted; the recording is in "_L1 + text(*m_model.folder()) : u"Interrupted"_s);
+    return 128 + m_signal;
+}
+
+int HeadlessRun::failed() const
+{
+    say("vantry: "_L1 + m_model.alert().value_or(u"There is nothing to export"_s));
+    return EXIT_FAILURE;
+}
+
+} // namespace vantry

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "app/CommandLine.h"
+#include "model/AppModel.h"
+
+#include <QCoroTask>
+#include <QObject>
+
+namespace vantry {
+
+/// The start-up of the application with its window, which runs once.
+class Launch : public QObject {
+    Q_OBJECT
+
+public:
+    /// The model outlives the start-up.
+    Launch(AppModel& model, CommandLine line);
+
+    /// A second call does nothing.
+    void start();
+
+private:
+    QCoro::Task<> run();
+    QCoro::Task<> autorecord(double wait);
+
+    AppModel& m_model;
+    const CommandLine m_line;
+    bool m_launched = false;
+};
+
+} // namespace vantry

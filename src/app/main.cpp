@@ -1,0 +1,73 @@
+#include "app/CommandLine.h"
+#include "app/HeadlessRun.h"
+#include "app/Launch.h"
+#include "app/UnixSignals.h"
+#include "app/Window.h"
+#include "base/AppError.h"
+#include "model/AppModel.h"
+#include "platform/FileBrowser.h"
+
+#include <QGuiApplication>
+#include <QTimer>
+
+#include <cstdio>
+#include <cstdlib>
+
+using namespace vantry;
+
+namespace {
+
+int runWithoutWindow(int& argc, char** argv, const CommandLine& line)
+{
+    const QCoreApplication application(argc, argv);
+    AppModel model(AppModel::Options {});
+    HeadlessRun run(model, line);
+    const UnixSignals signals;
+    QObject::connect(&signals, &UnixSignals::caught, &run, &HeadlessRun::interrupt);
+    QTimer::singleShot(0, &run, &HeadlessRun::start);
+    return QCoreApplication::exec();
+}
+
+int runWithWindow(int& argc, char** argv, const CommandLine& line)
+{
+    if (!Window::hasDesktop())
+        throw AppError("There is no desktop to show a window on. To export a recording without one, use --open DIR --export FILE");
+    const QGuiApplication application(argc, argv);
+    AppModel model({ .reveal = revealInFileBrowser });
+    const Window window(model);
+    Launch launch(model, line);
+    const UnixSignals signals;
+    QObject::connect(&signals, &UnixSignals::caught, &model, &AppModel::quit);
+    // Not quit(), which would ask the window again.
+    QObject::connect(&model, &AppModel::readyToQuit, &application, [] { QCoreApplication::exit(EXIT_SUCCESS); }, Qt::QueuedConnection);
+    QTimer::singleShot(0, &launch, &Launch::start);
+    return QGuiApplication::exec();
+}
+
+int run(int& argc, char** argv)
+{
+    const CommandLine line = parseCommandLine({ argv + 1, argv + argc });
+    if (line.help) {
+        std::fputs(commandLineHelp().c_str(), stdout);
+        return EXIT_SUCCESS;
+    }
+    if (line.version) {
+        std::puts("Vantry " VANTRY_VERSION);
+        return EXIT_SUCCESS;
+    }
+    if (line.selftest)
+        throw AppError("This version has no self test");
+    return line.exportFile ? runWithoutWindow(argc, argv, line) : runWithWindow(argc, argv, line);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        return run(argc, argv);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "vantry: %s\n", error.what());
+        return EXIT_FAILURE;
+    }
+}

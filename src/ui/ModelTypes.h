@@ -1,0 +1,31 @@
+#pragma once
+
+#include "model/AppModel.h"
+
+#include <QtQml/qqml.h>
+
+namespace vantry {
+
+// The names under which the views know the model, which knows nothing of views itself.
+
+struct AppModelType {
+    Q_GADGET
+    QML_FOREIGN(vantry::AppModel)
+    QML_NAMED_ELEMENT(AppModel)
+    QML_UNCREATABLE("The application makes the one model.")
+};
+
+struct SettingsType {
+    Q_GADGET
+    QML_FOREIGN(vantry::Settings)
+    QML_NAMED_ELEMENT(Settings)
+    QML_UNCREATABLE("They belong to the model.")
+};
+
+namespace PhaseType {
+    Q_NAMESPACE
+    QML_FOREIGN_NAMESPACE(vantry::Phase)
+    QML_NAMED_ELEMENT(Phase)
+}
+
+} // namespace vantry

@@ -1,0 +1,208 @@
+#include "project/ProjectFile.h"
+#include "project/Timeline.h"
+#include "support/MovieProbe.h"
+#include "support/TemporaryFolder.h"
+#include "support/XServer.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <fstream>
+#include <sstream>
+#include <thread>
+
+namespace vantry {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+using testing::StartsWith;
+
+namespace {
+
+/// Runs the real program, with a home of its own.
+class ProgramTest : public testing::Test {
+protected:
+    struct Result {
+        int status;
+        std::string output;
+        std::string errors;
+    };
+
+    /// `arguments` as the shell takes them.
+    std::unique_ptr<test::Program> start(const std::string& arguments)
+    {
+        fs::remove(errorFile());
+        const std::string environment = "HOME='" + m_home.path().string() + "' XDG_CONFIG_HOME='" + (m_home / "config").string()
+            + "' LC_ALL=C.UTF-8 QT_QPA_PLATFORM=offscreen ";
+        return std::make_unique<test::Program>(std::vector<std::string>{ "sh", "-c",
+            "exec env " + environment + VANTRY_PROGRAM " " + arguments + " >'" + outputFile().string() + "' 2>'" + errorFile().string() + "'" });
+    }
+
+    Result finish(test::Program& program)
+    {
+        const int status = program.wait();
+        return { status, contents(outputFile()), contents(errorFile()) };
+    }
+
+    Result run(const std::string& arguments) { return finish(*start(arguments)); }
+
+    /// A project whose one clip of a second is shown again and again.
+    fs::path recordProject(int repetitions)
+    {
+        EXPECT_EQ(run("--autorecord 1 --height 720 --export " + (m_home / "first.mp4").string()).status, 0);
+        Project project = loadProject(onlyProject());
+        const Clip clip = project.clips.at(0);
+        project.clips.assign(static_cast<std::size_t>(repetitions), clip);
+        saveProject(project, onlyProject());
+        return onlyProject();
+    }
+
+    fs::path onlyProject() const { return fs::directory_iterator(m_home / "Videos/Vantry")->path(); }
+
+    /// Waits until the program has written this to standard error.
+    bool says(const std::string& text)
+    {
+        const auto deadline = std::chrono::steady_clock::now() + 60s;
+        while (contents(errorFile()).find(text) == std::string::npos) {
+            if (std::chrono::steady_clock::now() > deadline)
+                return false;
+            std::this_thread::sleep_for(10ms);
+        }
+        return true;
+    }
+
+    fs::path outputFile() const { return m_home / "output"; }
+    fs::path errorFile() const { return m_home / "errors"; }
+
+    static std::string contents(const fs::path& file)
+    {
+        std::ostringstream text;
+        text << std::ifstream(file).rdbuf();
+        return text.str();
+    }
+
+    const test::TemporaryFolder m_home;
+};
+
+} // namespace
+
+TEST_F(ProgramTest, answersQuestionsAboutItself)
+{
+    const Result help = run("--help");
+    EXPECT_EQ(help.status, 0);
+    EXPECT_THAT(help.output, HasSubstr("--autorecord N"));
+    const Result version = run("--version");
+    EXPECT_EQ(version.status, 0);
+    EXPECT_EQ(version.output, "Vantry " VANTRY_VERSION "\n");
+}
+
+TEST_F(ProgramTest, refusalsEndWithAnError)
+{
+    const Result unknown = run("--exprot");
+    EXPECT_EQ(unknown.status, 1);
+    EXPECT_THAT(unknown.errors, HasSubstr("Did you mean --export?"));
+    const Result selftest = run("--selftest");
+    EXPECT_EQ(selftest.status, 1);
+    EXPECT_THAT(selftest.errors, StartsWith("vantry: "));
+    EXPECT_THAT(unknown.output + selftest.output, IsEmpty());
+}
+
+TEST_F(ProgramTest, whatCannotBeOpenedIsNotExported)
+{
+    const auto project = m_home / "broken";
+    fs::create_directories(project);
+    std::ofstream(project / "project.json") << "{";
+    const Result result = run("--open " + project.string() + " --export " + (m_home / "out.mp4").string());
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.errors, HasSubstr("Could not open project: "));
+    EXPECT_THAT(result.output, IsEmpty());
+    EXPECT_FALSE(fs::exists(m_home / "out.mp4"));
+}
+
+TEST_F(ProgramTest, withoutADesktopItSaysSo)
+{
+    unsetenv("DISPLAY");
+    const Result recording = run("--autorecord 1 --export " + (m_home / "out.mp4").string());
+    EXPECT_EQ(recording.status, 1);
+    EXPECT_THAT(recording.errors, HasSubstr("Could not start recording: "));
+}
+
+TEST_F(ProgramTest, recordsExportsAndSaysWhere)
+{
+    const auto screen = std::make_unique<test::XServer>(640, 360);
+    const auto video = m_home / "out.mp4";
+    const Result result = run("--autorecord 2 --export " + video.string());
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, video.string() + "\n");
+    EXPECT_THAT(result.errors, HasSubstr("Exporting…"));
+
+    const Project project = loadProject(onlyProject());
+    ASSERT_THAT(project.clips, SizeIs(1));
+    EXPECT_NEAR(project.clips[0].keep, 2.5, 0.5) << "the half second is the one that starting may take";
+    EXPECT_EQ(test::probeStream(video, "v:0")["codec_name"], "h264");
+    EXPECT_EQ(test::probeStream(video, "v:0")["width"], "1920");
+    EXPECT_EQ(test::probeStream(video, "v:0")["r_frame_rate"], "30/1");
+    EXPECT_NEAR(test::probeEnd(video, "v:0"), project.clips[0].keep, 0.05);
+
+    // What was recorded can be exported later, where there is no display at all.
+    unsetenv("DISPLAY");
+    const Result again = run("--open " + onlyProject().string() + " --height 720 --export " + (m_home / "again.mp4").string());
+    EXPECT_EQ(again.status, 0) << again.errors;
+    EXPECT_EQ(test::probeStream(m_home / "again.mp4", "v:0")["height"], "720");
+}
+
+TEST_F(ProgramTest, anInterruptedRecordingKeepsItsClip)
+{
+    const test::XServer screen(640, 360);
+    const auto program = start("--autorecord 60 --export " + (m_home / "out.mp4").string());
+    ASSERT_TRUE(says("Recording"));
+    const auto clipBegins = [&] {
+        for (const auto& entry : fs::directory_iterator(onlyProject())) {
+            if (entry.path().extension() == ".mov")
+                return true;
+        }
+        return false;
+    };
+    const auto deadline = std::chrono::steady_clock::now() + 60s;
+    while (!clipBegins() && std::chrono::steady_clock::now() < deadline)
+        std::this_thread::sleep_for(10ms);
+    kill(program->pid(), SIGINT);
+    const Result result = finish(*program);
+    EXPECT_EQ(result.status, 128 + SIGINT);
+    EXPECT_THAT(result.errors, HasSubstr(onlyProject().string()));
+    const Project project = loadProject(onlyProject());
+    ASSERT_THAT(project.clips, SizeIs(1));
+    EXPECT_NEAR(test::probeEnd(onlyProject() / project.clips[0].file, "v:0"), project.clips[0].duration, 0.05);
+    EXPECT_FALSE(fs::exists(m_home / "out.mp4"));
+}
+
+TEST_F(ProgramTest, anInterruptedExportLeavesNoFile)
+{
+    const test::XServer screen(640, 360);
+    const auto project = recordProject(20);
+    const auto before = std::distance(fs::directory_iterator(m_home.path()), {});
+    const auto program = start("--open " + project.string() + " --export " + (m_home / "out.mp4").string());
+    ASSERT_TRUE(says("Exporting… 1"));
+    kill(program->pid(), SIGTERM);
+    EXPECT_EQ(finish(*program).status, 128 + SIGTERM);
+    EXPECT_EQ(std::distance(fs::directory_iterator(m_home.path()), {}), before);
+}
+
+TEST_F(ProgramTest, checksThatACancelledRetakeChangesNothing)
+{
+    const test::XServer screen(640, 360);
+    const Result result = run("--retake-cancel " + recordProject(10).string());
+    EXPECT_EQ(result.status, 0) << result.output << result.errors;
+    EXPECT_THAT(result.output, HasSubstr("phase before cancel: countdown(2)\n✓ cancelled retake cut nothing ("));
+
+    const Result broken = run("--retake-cancel " + (m_home / "missing").string());
+    EXPECT_EQ(broken.status, 1);
+    EXPECT_THAT(broken.output, HasSubstr("✗ cancelled retake changed the project: "));
+}
+
+} // namespace vantry
