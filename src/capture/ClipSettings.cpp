@@ -4,6 +4,13 @@
 
 namespace vantry::clip {
 
+namespace {
+
+/// Out of reach: `PictureTrack` says where keyframes go.
+constexpr int onlyForcedKeyframes = 600;
+
+} // namespace
+
 VideoEncoderSettings screenSettings(PictureSize size)
 {
     return {
@@ -11,11 +18,9 @@ VideoEncoderSettings screenSettings(PictureSize size)
         .width = size.width,
         .height = size.height,
         .bitRate = std::max(size.width * size.height * 4, 8'000'000),
-        .gop = 600,
+        .gop = onlyForcedKeyframes,
         .preset = "ultrafast",
-        .parameters =
-            "rc-lookahead=0:scenecut=0:aq-mode=0:weightp=0:min-cu-size=32:max-merge=1:temporal-mvp=0:strong-intra-smoothing=0:"
-            "no-deblock=1",
+        .parameters = "rc-lookahead=0:scenecut=0:aq-mode=0:weightp=0:min-cu-size=32:rd=1:no-deblock=1:frame-threads=3",
     };
 }
 
@@ -26,9 +31,9 @@ VideoEncoderSettings cameraSettings(PictureSize size)
         .width = size.width,
         .height = size.height,
         .bitRate = 10'000'000,
-        .gop = 600,
+        .gop = onlyForcedKeyframes,
         .threads = 1,
-        .preset = "superfast",
+        .preset = "ultrafast",
         .parameters = "rc-lookahead=0:sync-lookahead=0:mbtree=0:scenecut=0",
     };
 }

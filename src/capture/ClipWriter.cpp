@@ -87,7 +87,6 @@ struct ClipWriter::State {
     std::optional<Muxer> muxer;
     std::array<int, trackKindCount> muxerTracks{};
 
-    // Last: encoders hand to the writing thread, which uses what is above. They end in the opposite order.
     std::optional<Worker> writing;
     std::array<std::unique_ptr<ClipTrack>, trackKindCount> tracks;
 };
@@ -97,6 +96,12 @@ ClipWriter::State::~State()
     // Nobody waits for a clip that was never finished.
     if (phase == Phase::Writing)
         hasFailed = true;
+    // The encoders hand to the writing thread, whose last job looks at all of them.
+    for (const auto& track : tracks)
+        if (track)
+            track->queue.finish();
+    if (writing)
+        writing->finish();
 }
 
 void ClipWriter::State::addTracks(const ClipTracks& wanted)

@@ -21,6 +21,9 @@ public:
     /// Runs `job` behind everything else, room or not. Never waits.
     void post(Worker::Job job) { m_worker.post(std::move(job)); }
 
+    /// Waits until everything has run; nothing more is taken.
+    void finish() { m_worker.finish(); }
+
     /// A sample that was not even offered.
     void countDropped() { ++m_dropped; }
 

@@ -57,7 +57,7 @@ void show(ClipWriter& writer, HostDuration at, std::uint8_t luma = dark, TrackKi
     writer.append(PictureSample{ grey(luma), start + at }, kind);
 }
 
-constexpr int noClick = 1 << 30;
+constexpr int noClick = 1 << 20;
 
 void play(ClipWriter& writer, HostDuration at, TrackKind kind, int frames, int click = noClick)
 {
