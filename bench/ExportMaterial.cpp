@@ -8,6 +8,7 @@ Project exportBenchProject(int repeats)
     for (int i = 0; i < repeats; ++i)
         project.clips.push_back(
             { .file = "clip-1.mov", .duration = exportClipSeconds, .keep = exportClipSeconds, .transcript = {} });
+    project.screenCrop = { cropX / 1920.0, cropY / 1080.0, cropWidth / 1920.0, cropHeight / 1080.0 };
     project.layouts = { { 0, Layout::bubble, Corner::bottomRight }, { cameraFullFrom, Layout::camera, Corner::bottomRight },
         { cameraFullTo, Layout::bubble, Corner::bottomRight } };
     project.overlays.push_back({ .start = overlayFrom,

@@ -7,11 +7,18 @@ namespace vantry::bench {
 
 inline constexpr int exportClipSeconds = 30;
 
-/// The clip "clip-1.mov" `repeats` times: the camera in the bubble, for two seconds over the whole frame, one overlay.
+/// The clip "clip-1.mov" `repeats` times: a part of the screen over the whole frame, the camera in the bubble, for two seconds over
+/// the whole frame, one overlay.
 Project exportBenchProject(int repeats);
 
 /// The overlay's bitmap.
 OverlayImages exportBenchImages(const Project& project);
+
+// The part of the screen that is shown, in pixels of a screen of 1920x1080.
+inline constexpr int cropX = 96;
+inline constexpr int cropY = 54;
+inline constexpr int cropWidth = 1728;
+inline constexpr int cropHeight = 972;
 
 // When the layouts change and the overlay shows, in seconds.
 inline constexpr double cameraFullFrom = 14;

@@ -4,10 +4,28 @@
 
 #include <cstdlib>
 #include <exception>
+#include <fstream>
 #include <iostream>
+#include <stdexcept>
+#include <string>
+
+namespace {
+
+/// The most memory that this program has had so far, in kilobytes.
+long peakKilobytes()
+{
+    std::ifstream status("/proc/self/status");
+    const std::string name = "VmHWM:";
+    for (std::string line; std::getline(status, line);)
+        if (line.starts_with(name))
+            return std::atol(line.c_str() + name.size());
+    throw std::runtime_error("The system does not say how much memory there was");
+}
+
+} // namespace
 
 /// vantry_export_once FOLDER REPEATS FILE: one export of the benches' project in a process of its own, so that its memory can be
-/// measured.
+/// measured: it prints the peak in kilobytes.
 int main(int count, char** arguments)
 {
     using namespace vantry;
@@ -19,6 +37,7 @@ int main(int count, char** arguments)
             .folder = arguments[1],
             .destination = arguments[3],
             .images = bench::exportBenchImages(project) });
+        std::cout << peakKilobytes() << '\n';
         return 0;
     } catch (const std::exception& error) {
         std::cerr << error.what() << '\n';
