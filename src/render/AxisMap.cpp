@@ -55,7 +55,7 @@ AxisMap::AxisMap(const Mapping& mapping, int first, int last, int sourceSize)
     m_isCopy = std::abs(ratio - 1) < 1e-9 && std::abs(centre(first) - std::round(centre(first))) < 1e-6;
     const int reach = m_isCopy ? 1 : static_cast<int>(std::ceil(2 * support)); // Source samples under the curve.
     m_taps = std::min(reach, high - low + 1);
-    m_paddedTaps = (m_taps + 7) / 8 * 8;
+    m_paddedTaps = m_taps <= 4 ? 4 : (m_taps + 7) / 8 * 8;
     const auto count = static_cast<std::size_t>(m_last - m_first);
     m_starts.resize(count);
     m_weights.resize(count * static_cast<std::size_t>(m_paddedTaps));

@@ -29,7 +29,7 @@ public:
     int first() const { return m_first; }
     int last() const { return m_last; }
     int taps() const { return m_taps; }
-    int paddedTaps() const { return m_paddedTaps; } ///< A multiple of eight; the weights behind `taps` are zero.
+    int paddedTaps() const { return m_paddedTaps; } ///< Four or a multiple of eight; the weights behind `taps` are zero.
 
     int start(int destination) const { return m_starts[static_cast<std::size_t>(destination - m_first)]; }
     const int* starts(int destination) const { return m_starts.data() + (destination - m_first); }
