@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # demo.sh VANTRY FILE
 #
-# Records ten seconds of a private desktop on which something happens, exports them to FILE and prints its path.
+# Records ten seconds of a private desktop on which something happens, exports them to FILE, whose path is printed.
 set -euo pipefail
 
 # The README types itself, over and over: what runs inside the terminal.
@@ -11,7 +11,7 @@ type_text() {
         while IFS= read -r -n1 letter; do
             printf '%s' "${letter:-$'\n'}"
             sleep 0.03
-        done <"${BASH_SOURCE[0]%/*}/../README.md"
+        done < <(fold -s -w 96 "${BASH_SOURCE[0]%/*}/../README.md")
     done
 }
 
@@ -25,4 +25,3 @@ if [[ $1 == --type ]]; then
 fi
 open_terminal
 "$1" --autorecord 10 --export "$2"
-printf '%s\n' "$2"
