@@ -44,7 +44,8 @@ struct ClipTrack {
     std::optional<PictureTrack> pictures;
     std::optional<SoundTrack> sounds;
 
-    std::atomic<std::int64_t> lost = 0; ///< Samples that were taken when writing had failed.
+    std::atomic<std::int64_t> lost =
+        0; ///< Samples that were taken and not written: too close to the one before, or after a failure.
     EncoderQueue queue; ///< Last: its jobs use the others.
 
     TrackCounts counts() const { return { .appended = queue.accepted() - lost, .dropped = queue.dropped() + lost }; }
@@ -230,8 +231,10 @@ void ClipWriter::append(const PictureSample& sample, TrackKind kind)
     if (!track || !track->pictures || sample.time < m_state->start || m_state->phase != Phase::Writing)
         return;
     m_state->offer(kind,
-        [picture = sample.picture, time = mediaTime(sample.time - m_state->start)](
-            ClipTrack& target, const PacketSink& sink) { target.pictures->write(picture, time, sink); });
+        [picture = sample.picture, time = mediaTime(sample.time - m_state->start)](ClipTrack& target, const PacketSink& sink) {
+            if (!target.pictures->write(picture, time, sink))
+                ++target.lost;
+        });
 }
 
 void ClipWriter::append(SoundSample sample, TrackKind kind)

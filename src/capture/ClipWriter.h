@@ -25,7 +25,8 @@ struct ClipTracks {
 /// How one track fared, in samples as they were handed over (pictures, stretches of sound).
 struct TrackCounts {
     std::int64_t appended = 0;
-    std::int64_t dropped = 0; ///< Refused because the encoder was busy or writing had failed; not those before the clip's start.
+    std::int64_t dropped = 0; ///< Not written: the encoder was busy, the sample was not later than the one before it, or writing
+                              ///< had failed. Those before the clip's start do not count.
 };
 
 struct ClipOutcome {

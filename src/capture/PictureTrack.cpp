@@ -4,8 +4,7 @@ namespace vantry {
 
 namespace {
 
-/// Less than a second by one picture, so that with pictures at an uneven 30 a second keyframes are still at most a second apart.
-constexpr MediaTime keyframeDistance = std::chrono::seconds(1) - frameDuration;
+constexpr MediaTime keyframeDistance = std::chrono::seconds(1);
 
 } // namespace
 
@@ -17,22 +16,38 @@ PictureTrack::PictureTrack(const VideoEncoderSettings& settings)
 {
 }
 
-void PictureTrack::write(const Picture& picture, MediaTime time, const PacketSink& sink)
+bool PictureTrack::write(const Picture& picture, MediaTime time, const PacketSink& sink)
 {
-    if (m_last && time < *m_last + m_tick)
-        return;
-    const bool isKeyframe = !m_last || time - m_lastKeyframe >= keyframeDistance;
-    m_encoder.encode(m_scaler.fit(picture), time, isKeyframe ? PictureKind::Keyframe : PictureKind::Any, sink);
-    m_last = time;
-    if (isKeyframe)
-        m_lastKeyframe = time;
+    if (m_held && time < m_held->time + m_tick)
+        return false;
+    if (m_held) {
+        // The file rounds times to ticks.
+        const bool isLastChance = !m_lastKeyframe || time - *m_lastKeyframe > keyframeDistance - m_tick;
+        encodeHeld(isLastChance ? PictureKind::Keyframe : PictureKind::Any, sink);
+    }
+    m_held = TimedPicture{ picture, time };
+    return true;
 }
 
-void PictureTrack::writeBlack(MediaTime time, const PacketSink& sink)
+bool PictureTrack::writeBlack(MediaTime time, const PacketSink& sink)
 {
     PictureBuffer black(m_size.width, m_size.height);
     black.fill(16, 128, 128);
-    write(std::move(black).share(), time, sink);
+    return write(std::move(black).share(), time, sink);
+}
+
+void PictureTrack::finish(const PacketSink& sink)
+{
+    if (m_held)
+        encodeHeld(m_lastKeyframe ? PictureKind::Any : PictureKind::Keyframe, sink);
+    m_encoder.finish(sink);
+}
+
+void PictureTrack::encodeHeld(PictureKind kind, const PacketSink& sink)
+{
+    m_encoder.encode(m_scaler.fit(m_held->picture), m_held->time, kind, sink);
+    if (kind == PictureKind::Keyframe)
+        m_lastKeyframe = m_held->time;
 }
 
 } // namespace vantry
