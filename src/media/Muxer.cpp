@@ -1,7 +1,7 @@
 #include "media/Muxer.h"
 
+#include "base/Durability.h"
 #include "media/AudioEncoder.h"
-#include "media/DurableFile.h"
 #include "media/Libav.h"
 #include "media/VideoEncoder.h"
 

@@ -1,5 +1,6 @@
 #include "project/DurableFile.h"
 
+#include "base/Durability.h"
 #include "project/FileDescriptor.h"
 #include "project/Uuid.h"
 
@@ -84,9 +85,7 @@ std::string readFile(const path& file, std::size_t limit)
 void replaceFile(const path& file, std::string_view bytes)
 {
     writeAndMove(file, temporaryBeside(file), bytes);
-    // The new name lasts only once the folder is written too.
-    const FileDescriptor folder(folderOf(file), { .flags = O_RDONLY | O_DIRECTORY, .name = file.filename().string() });
-    folder.sync();
+    makeNamesDurable(folderOf(file));
 }
 
 } // namespace vantry

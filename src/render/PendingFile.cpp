@@ -1,7 +1,7 @@
 #include "render/PendingFile.h"
 
 #include "base/AppError.h"
-#include "media/DurableFile.h"
+#include "base/Durability.h"
 
 #include <cstdlib>
 #include <system_error>

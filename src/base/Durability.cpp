@@ -1,4 +1,4 @@
-#include "media/DurableFile.h"
+#include "base/Durability.h"
 
 #include "base/AppError.h"
 
@@ -26,8 +26,11 @@ void makeDurable(const std::filesystem::path& file)
 {
     if (const int error = syncAndClose(open(file.c_str(), O_WRONLY | O_CLOEXEC)))
         throw AppError("Could not write " + file.filename().string() + ": " + std::generic_category().message(error));
-    // Some file systems cannot sync a folder; the file itself is safe then all the same.
-    const auto folder = file.has_parent_path() ? file.parent_path() : std::filesystem::path(".");
+    makeNamesDurable(file.has_parent_path() ? file.parent_path() : std::filesystem::path("."));
+}
+
+void makeNamesDurable(const std::filesystem::path& folder)
+{
     syncAndClose(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
 }
 
