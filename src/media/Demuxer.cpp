@@ -42,6 +42,9 @@ TrackInfo describe(const AVStream& stream)
 
 libav::InputPtr open(const std::filesystem::path& movie, const std::string& complaint)
 {
+    // Opening a pipe would wait for somebody to write into it.
+    if (std::error_code ignored; std::filesystem::is_fifo(movie, ignored) || std::filesystem::is_character_file(movie, ignored))
+        throw AppError(complaint + ": It is not a movie");
     AVFormatContext* input = nullptr;
     // As a URL, so that a colon in a path is never taken for a protocol.
     libav::check(avformat_open_input(&input, ("file:" + movie.string()).c_str(), nullptr, nullptr), complaint);

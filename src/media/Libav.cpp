@@ -1,11 +1,27 @@
 #include "media/Libav.h"
 
+#include "base/Log.h"
+
+#include <QByteArray>
+
+#include <cstdarg>
+
 namespace vantry::libav {
 
 namespace {
 
-/// The library tells of its steps on standard error; only what is amiss is worth a line there.
-[[maybe_unused]] const bool isQuiet = (av_log_set_level(AV_LOG_WARNING), true);
+/// What the library says on its own goes to the log: a user is told in our words, by an AppError.
+void log(void* source, int level, const char* format, va_list arguments)
+{
+    if (level > AV_LOG_WARNING || !logMedia().isDebugEnabled())
+        return;
+    char line[512];
+    int isNewLine = 1;
+    av_log_format_line2(source, level, format, arguments, line, sizeof line, &isNewLine);
+    qCDebug(logMedia).noquote() << QByteArray(line).trimmed();
+}
+
+[[maybe_unused]] const bool isLogged = (av_log_set_callback(log), true);
 
 } // namespace
 

@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 
 #include <fstream>
+#include <sys/stat.h>
 
 namespace vantry {
 
@@ -186,6 +187,9 @@ TEST_F(ReaderTest, everyPixelFormatBecomesLimitedRangeBt709)
 TEST_F(ReaderTest, filesThatCannotBeReadSayWhichAndWhy)
 {
     EXPECT_EQ(errorOf([&] { readAll(m_folder / "missing.mov"); }), "Cannot read missing.mov: No such file or directory");
+
+    ASSERT_EQ(mkfifo((m_folder / "pipe.mov").c_str(), 0600), 0);
+    EXPECT_EQ(errorOf([&] { readAll(m_folder / "pipe.mov"); }), "Cannot read pipe.mov: It is not a movie");
 
     std::ofstream(m_folder / "noise.mov") << std::string(10'000, 'x');
     EXPECT_THAT(errorOf([&] { readAll(m_folder / "noise.mov"); }), HasSubstr("noise.mov: Invalid data"));
