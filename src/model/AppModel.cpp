@@ -11,6 +11,7 @@
 #include "project/Timeline.h"
 
 #include <QCoreApplication>
+#include <QCoroSignal>
 #include <QPointer>
 
 #include <algorithm>
@@ -30,7 +31,12 @@ AppModel::AppModel(Options options)
 {
     m_recorder->setOnStreamError([model = QPointer(this)](const QString& description) {
         QMetaObject::invokeMethod(
-            qApp, [model, description] { if (model) model->onStreamError(description); }, Qt::QueuedConnection);
+            qApp,
+            [model, description] {
+                if (model)
+                    model->onStreamError(description);
+            },
+            Qt::QueuedConnection);
     });
 }
 
@@ -168,6 +174,10 @@ QCoro::Task<> AppModel::finishAndQuit()
     m_export->cancel();
     co_await m_export->ended();
     if (self)
+        m_recording->cancelStart();
+    while (self && m_phase.isCountdown())
+        co_await qCoro(this, &AppModel::phaseChanged);
+    if (self)
         co_await m_recording->finishClip();
     if (self)
         Q_EMIT readyToQuit();
@@ -177,6 +187,7 @@ void AppModel::listDisplays()
 {
     try {
         m_displays = vantry::displays();
+        Q_EMIT displaysChanged();
     } catch (const std::exception& error) {
         qCInfo(logModel) << "no displays:" << error.what();
         return;

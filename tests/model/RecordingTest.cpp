@@ -60,7 +60,8 @@ TEST_F(RecordingTest, aRecordingBecomesAClipOfTheProject)
 {
     recordASecond();
     EXPECT_THAT(m_phases,
-        ElementsAre(Phase::countdown(3), Phase::countdown(2), Phase::countdown(1), Phase::recording(), Phase::saving(), Phase::editing()));
+        ElementsAre(
+            Phase::countdown(3), Phase::countdown(2), Phase::countdown(1), Phase::recording(), Phase::saving(), Phase::editing()));
 
     const Project saved = loadProject(*m_model.folder());
     ASSERT_THAT(saved.clips, SizeIs(1));
@@ -199,10 +200,24 @@ TEST_F(RecordingTest, quittingKeepsTheClip)
     EXPECT_NEAR(test::probeEnd(*m_model.folder() / saved.clips[0].file, "v:0"), saved.clips[0].duration, 0.01);
 }
 
+TEST_F(RecordingTest, quittingInTheCountdownLeavesNothingBehind)
+{
+    bool ready = false;
+    QObject::connect(
+        &m_model, &AppModel::readyToQuit, &m_model, [&] { ready = true; }, Qt::QueuedConnection);
+    m_model.record();
+    ASSERT_TRUE(reaches(Phase::countdown(2)));
+    m_model.quit();
+    ASSERT_TRUE(pumpUntil([&] { return ready; }));
+    EXPECT_EQ(m_model.phase(), Phase::setup());
+    EXPECT_TRUE(fs::is_empty(m_model.root()));
+}
+
 TEST_F(RecordingTest, anExportDeliversTheVideoAndItsDetails)
 {
     recordASecond();
-    m_model.edit(Rebuild::No, [](Project& project) { project.youtube = { .title = "Intro", .description = "Hello", .tags = "a, b" }; });
+    m_model.edit(
+        Rebuild::No, [](Project& project) { project.youtube = { .title = "Intro", .description = "Hello", .tags = "a, b" }; });
     m_model.settings()->setExportHeight(720);
     const fs::path video = m_folder / "Intro.mp4";
     m_model.exportTo(video);
