@@ -1,6 +1,7 @@
 #include "app/CommandLine.h"
 
 #include "base/AppError.h"
+#include "render/Exporter.h"
 
 #include <algorithm>
 #include <array>
@@ -25,8 +26,6 @@ struct Option {
     void (*apply)(CommandLine&, const std::string& value);
 };
 
-constexpr std::array exportHeights { 720, 1080, 1440, 2160 };
-
 int parseHeight(const std::string& text)
 {
     int height = 0;
@@ -36,20 +35,23 @@ int parseHeight(const std::string& text)
     return height;
 }
 
-constexpr std::array options {
-    Option { "--open", "DIR", Trailing::Ignored, "open the recording in a folder",
+constexpr std::array options{
+    Option{ "--open", "DIR", Trailing::Ignored, "open the recording in a folder",
         [](CommandLine& line, const std::string& value) { line.open = value; } },
-    Option { "--autorecord", "N", Trailing::Ignored, "record the screen for N seconds",
+    Option{ "--autorecord", "N", Trailing::Ignored, "record the screen for N seconds",
         [](CommandLine& line, const std::string& value) { line.autorecord = value; } },
-    Option { "--export", "FILE", Trailing::Error, "with --open or --autorecord: write the recording as an MP4 video, without a window",
+    Option{ "--export", "FILE", Trailing::Error,
+        "with --open or --autorecord: write the recording as an MP4 video, without a window",
         [](CommandLine& line, const std::string& value) { line.exportFile = value; } },
-    Option { "--height", "H", Trailing::Error, "with --export: the video's height, 720, 1080, 1440 or 2160",
+    Option{ "--height", "H", Trailing::Error, "with --export: the video's height, 720, 1080, 1440 or 2160",
         [](CommandLine& line, const std::string& value) { line.height = parseHeight(value); } },
-    Option { "--retake-cancel", "DIR", Trailing::Ignored, "check that a cancelled retake changes nothing in a recording",
+    Option{ "--retake-cancel", "DIR", Trailing::Ignored, "check that a cancelled retake changes nothing in a recording",
         [](CommandLine& line, const std::string& value) { line.retakeCancel = value; } },
-    Option { "--selftest", "", Trailing::Error, "run the built-in test", [](CommandLine& line, const std::string&) { line.selftest = true; } },
-    Option { "--help", "", Trailing::Error, "print this text", [](CommandLine& line, const std::string&) { line.help = true; } },
-    Option { "--version", "", Trailing::Error, "print the version", [](CommandLine& line, const std::string&) { line.version = true; } },
+    Option{ "--selftest", "", Trailing::Error, "run the built-in test, which this version does not have",
+        [](CommandLine& line, const std::string&) { line.selftest = true; } },
+    Option{ "--help", "", Trailing::Error, "print this text", [](CommandLine& line, const std::string&) { line.help = true; } },
+    Option{
+        "--version", "", Trailing::Error, "print the version", [](CommandLine& line, const std::string&) { line.version = true; } },
 };
 
 /// How many letters must be put in, taken out or replaced to make one text of the other.
@@ -79,7 +81,8 @@ const Option* closestOption(std::string_view name)
         if (option->name.substr(2).starts_with(letters))
             return &*option;
     }
-    const auto closest = std::ranges::min_element(options, {}, [&](const Option& option) { return editDistance(option.name.substr(2), letters); });
+    const auto closest =
+        std::ranges::min_element(options, {}, [&](const Option& option) { return editDistance(option.name.substr(2), letters); });
     return editDistance(closest->name.substr(2), letters) * 2 <= closest->name.size() - 2 ? &*closest : nullptr;
 }
 
@@ -100,6 +103,8 @@ void check(const CommandLine& line)
         throw AppError("--export needs a recording: add --open DIR or --autorecord N");
     if (line.height && !line.exportFile)
         throw AppError("--height needs --export FILE");
+    if (line.exportFile && line.exportFile->empty())
+        throw AppError("--export needs FILE");
 }
 
 } // namespace

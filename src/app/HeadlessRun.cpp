@@ -1,5 +1,6 @@
 #include "app/HeadlessRun.h"
 
+#include "base/AppError.h"
 #include "base/HostTime.h"
 #include "model/Coroutines.h"
 #include "model/ExportFlow.h"
@@ -8,8 +9,11 @@
 #include <QCoreApplication>
 #include <QCoroSignal>
 
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
+#include <system_error>
+#include <unistd.h>
 
 namespace vantry {
 
@@ -20,6 +24,16 @@ namespace {
 void say(const QString& text)
 {
     std::fprintf(stderr, "%s\n", text.toUtf8().constData());
+}
+
+/// Throws AppError when no video can be written there, before an hour is recorded for it.
+void checkDestination(const std::filesystem::path& file)
+{
+    const auto folder = file.parent_path();
+    if (file.filename().empty() || std::filesystem::is_directory(file))
+        throw AppError("Cannot export to " + file.string() + ": It is a folder");
+    if (::access(folder.c_str(), W_OK) != 0)
+        throw AppError("Cannot export into " + folder.string() + ": " + std::generic_category().message(errno));
 }
 
 } // namespace
@@ -51,6 +65,8 @@ QCoro::Task<> HeadlessRun::run()
 
 QCoro::Task<int> HeadlessRun::serve()
 {
+    m_destination = std::filesystem::absolute(*m_line.exportFile);
+    checkDestination(m_destination);
     if (m_line.open)
         m_model.open(*m_line.open);
     else
@@ -81,12 +97,12 @@ QCoro::Task<> HeadlessRun::record(double wait)
 
 QCoro::Task<int> HeadlessRun::exportVideo()
 {
-    const auto file = std::filesystem::absolute(*m_line.exportFile);
-    const auto outcome = co_await m_model.exporting().run(file, m_line.height.value_or(m_model.settings()->exportHeight()));
+    const auto outcome =
+        co_await m_model.exporting().run(m_destination, m_line.height.value_or(m_model.settings()->exportHeight()));
     m_progress.end();
     switch (outcome) {
     case ExportFlow::Outcome::Done:
-        std::printf("%s\n", file.c_str());
+        std::printf("%s\n", m_destination.c_str());
         co_return EXIT_SUCCESS;
     case ExportFlow::Outcome::Cancelled:
         co_return interrupted();
@@ -112,15 +128,22 @@ bool HeadlessRun::underWay() const
 
 int HeadlessRun::interrupted() const
 {
-    const bool recorded = m_line.autorecord && m_model.folder();
-    say(recorded ? "Interrupted; the recording is in "_L1 + text(*m_model.folder()) : u"Interrupted"_s);
+    say(u"Interrupted"_s);
+    sayWhereTheRecordingIs();
     return 128 + m_signal;
 }
 
 int HeadlessRun::failed() const
 {
     say("vantry: "_L1 + m_model.alert().value_or(u"There is nothing to export"_s));
+    sayWhereTheRecordingIs();
     return EXIT_FAILURE;
+}
+
+void HeadlessRun::sayWhereTheRecordingIs() const
+{
+    if (m_line.autorecord && m_model.folder())
+        say("The recording is in "_L1 + text(*m_model.folder()));
 }
 
 } // namespace vantry

@@ -9,8 +9,8 @@
 
 namespace vantry {
 
-/// Serves "--export": opens or records, exports, and says where the video is, all without a window. An interruption ends what runs in
-/// order: a recording's clip is finished, of an export nothing stays.
+/// Serves "--export": opens or records, exports, and says where the video is, all without a window. An interruption ends what runs
+/// in order: a recording's clip is finished, of an export nothing stays.
 class HeadlessRun : public QObject {
     Q_OBJECT
 
@@ -31,9 +31,11 @@ private:
     bool underWay() const;
     int interrupted() const;
     int failed() const;
+    void sayWhereTheRecordingIs() const;
 
     AppModel& m_model;
     const CommandLine m_line;
+    std::filesystem::path m_destination; ///< Absolute.
     ProgressLine m_progress;
     int m_signal = 0; ///< The one that interrupted the run, or 0.
 };

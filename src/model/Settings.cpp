@@ -4,9 +4,11 @@
 #include "model/CropText.h"
 #include "model/Paths.h"
 #include "project/EnumNames.h"
+#include "render/Exporter.h"
 
 #include <QStandardPaths>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -16,20 +18,20 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-template<typename Enum>
+template <typename Enum>
 Enum named(const QVariant& stored, Enum otherwise)
 {
     return valueNamed<Enum>(stored.toString().toStdString()).value_or(otherwise);
 }
 
-template<typename Enum>
+template <typename Enum>
 QString nameText(Enum value)
 {
     const std::string_view name = nameOf(value);
     return QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
 }
 
-template<typename Integer>
+template <typename Integer>
 Integer integer(const QVariant& stored, Integer otherwise)
 {
     bool isNumber = false;
@@ -43,6 +45,13 @@ double number(const QVariant& stored, double otherwise)
     bool isNumber = false;
     const double value = stored.toString().toDouble(&isNumber);
     return isNumber && std::isfinite(value) ? value : otherwise;
+}
+
+/// One of the heights that there are; another one in the file is not offered anywhere.
+int knownHeight(const QVariant& stored)
+{
+    const int height = integer(stored, defaultExportHeight);
+    return std::ranges::count(exportHeights, height) ? height : defaultExportHeight;
 }
 
 bool boolean(const QVariant& stored, bool otherwise)
@@ -70,7 +79,7 @@ Settings::Settings(const std::filesystem::path& file)
     , m_setupLayout(named(m_file.value("layout"), Layout::camera))
     , m_setupCorner(named(m_file.value("corner"), Corner::bottomRight))
     , m_setupBubble(number(m_file.value("bubble"), 0.26))
-    , m_exportHeight(integer(m_file.value("exportHeight"), 1080))
+    , m_exportHeight(knownHeight(m_file.value("exportHeight")))
     , m_systemAudio(boolean(m_file.value("systemAudio"), true))
     , m_setupBlur(boolean(m_file.value("blur"), false))
     // A list is what the file's format makes of a rectangle that was typed in without quotes.

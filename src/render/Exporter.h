@@ -5,6 +5,7 @@
 #include "render/CompositionPlan.h"
 #include "render/RenderInstruction.h"
 
+#include <array>
 #include <filesystem>
 #include <functional>
 #include <stop_token>
@@ -20,6 +21,10 @@ struct ExportOptions {
     std::function<void(double fraction)> onProgress{}; ///< Called on the exporting thread, a few times a second.
     std::stop_token cancel{};
 };
+
+/// The heights that videos are made in, in pixels.
+inline constexpr std::array exportHeights{ 720, 1080, 1440, 2160 };
+inline constexpr int defaultExportHeight = 1080;
 
 enum class ExportOutcome { Finished, Cancelled };
 

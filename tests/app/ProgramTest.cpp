@@ -40,7 +40,8 @@ protected:
         const std::string environment = "HOME='" + m_home.path().string() + "' XDG_CONFIG_HOME='" + (m_home / "config").string()
             + "' LC_ALL=C.UTF-8 QT_QPA_PLATFORM=offscreen ";
         return std::make_unique<test::Program>(std::vector<std::string>{ "sh", "-c",
-            "exec env " + environment + VANTRY_PROGRAM " " + arguments + " >'" + outputFile().string() + "' 2>'" + errorFile().string() + "'" });
+            "exec env " + environment + VANTRY_PROGRAM " " + arguments + " >'" + outputFile().string() + "' 2>'"
+                + errorFile().string() + "'" });
     }
 
     Result finish(test::Program& program)
@@ -109,7 +110,10 @@ TEST_F(ProgramTest, refusalsEndWithAnError)
     const Result selftest = run("--selftest");
     EXPECT_EQ(selftest.status, 1);
     EXPECT_THAT(selftest.errors, StartsWith("vantry: "));
-    EXPECT_THAT(unknown.output + selftest.output, IsEmpty());
+    const Result nowhere = run("--autorecord 1000 --export " + (m_home / "nowhere/out.mp4").string());
+    EXPECT_EQ(nowhere.status, 1);
+    EXPECT_THAT(nowhere.errors, HasSubstr("nowhere: No such file or directory"));
+    EXPECT_THAT(unknown.output + selftest.output + nowhere.output, IsEmpty());
 }
 
 TEST_F(ProgramTest, whatCannotBeOpenedIsNotExported)

@@ -48,9 +48,10 @@ TEST_F(SettingsTest, nothingStoredMeansTheDefaults)
 
 TEST_F(SettingsTest, storedValuesOfAnotherKindMeanTheDefaults)
 {
-    write("displayID=-1\nlayout=Screen\ncorner=middle\nbubble=big\nexportHeight=tall\nsystemAudio=perhaps\nblur=2\ncrop=all of it\n");
+    write(
+        "displayID=-1\nlayout=Screen\ncorner=middle\nbubble=big\nexportHeight=tall\nsystemAudio=perhaps\nblur=2\ncrop=all of it\n");
     expectDefaults(Settings(m_file));
-    write("displayID=4294967296\nbubble=nan\nexportHeight=99999999999\ncrop=\n");
+    write("displayID=4294967296\nbubble=nan\nexportHeight=1000\ncrop=\n");
     expectDefaults(Settings(m_file));
     write("displayID=right\ncrop=\"{{0, 0}, {0, 1}}\"\n");
     expectDefaults(Settings(m_file));
