@@ -1,9 +1,13 @@
-#include "base/AppError.h"
 #include "base/Worker.h"
+#include "base/AppError.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
+#include <fstream>
+#include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace vantry {
@@ -44,12 +48,28 @@ TEST(Worker, aFullDroppingWorkerRefusesAndGoesOnLater)
         std::this_thread::yield();
 }
 
+/// Whether a thread waits for something.
+static bool sleeps(pid_t thread)
+{
+    std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
+    std::string stat;
+    std::getline(file, stat);
+    return stat.find(") S ") != std::string::npos;
+}
+
 TEST(BoundedQueue, closeEndsEveryWaitAndGivesWhatIsLeft)
 {
     BoundedQueue<int> queue(1);
     ASSERT_TRUE(queue.push(1));
+    std::promise<pid_t> id;
     std::atomic<bool> refused = false;
-    std::thread pusher([&] { refused = !queue.push(2); });
+    std::thread pusher([&] {
+        id.set_value(gettid());
+        refused = !queue.push(2);
+    });
+    const pid_t thread = id.get_future().get();
+    while (!sleeps(thread))
+        std::this_thread::yield();
     queue.close();
     pusher.join();
     EXPECT_TRUE(refused);

@@ -66,6 +66,8 @@ std::string faultOfLibrary(const std::string& room, const std::string& path)
         return "an engine room knows nothing of Qt Quick";
     if (room == "project" && !matches(path, "^([a-z_]+|fcntl.h|unistd.h|sys/stat.h|nlohmann/.*)$"))
         return "project uses the standard library, files and nlohmann only";
+    if (room == "project" && matches(path, "^(thread|mutex|shared_mutex|future|condition_variable|stop_token)$"))
+        return "project has no threads";
     return {};
 }
 

@@ -53,7 +53,7 @@ TEST_F(SyntheticHouse, everyOtherArrowIsNamed)
     write("cellar/Wine.h", "#include <vector>");
     write("media/Muxer.h", "#include \"Packet.h\"");
     write("platform/deep/Screen.cpp", "#include <libswscale/swscale.h>");
-    write("project/Project.h", "#include <QString>");
+    write("project/Project.h", "#include <QString>\n#include <thread>");
     write("render/Compositor.cpp", "#include <QQuickItem>\n#include <QtQml/qqml.h>");
     write("ui/Timeline.cpp", "#include \"capture/Recorder.h\"");
     EXPECT_THAT(wrongArrows(m_root),
@@ -62,6 +62,7 @@ TEST_F(SyntheticHouse, everyOtherArrowIsNamed)
             "cellar/Wine.h: cellar is no room of the house", "media/Muxer.h: Packet.h: not written as \"room/File.h\"",
             "platform/deep/Screen.cpp: libswscale/swscale.h: only media uses libav*",
             "project/Project.h: QString: project uses the standard library, files and nlohmann only",
+            "project/Project.h: thread: project has no threads",
             "render/Compositor.cpp: QQuickItem: an engine room knows nothing of Qt Quick",
             "render/Compositor.cpp: QtQml/qqml.h: an engine room knows nothing of Qt Quick",
             "ui/Timeline.cpp: capture/Recorder.h: ui may not include capture"));

@@ -187,7 +187,7 @@ TEST_P(Golden, transitions)
     const LayoutEvent screen{ 0, Layout::screen, bottomRight };
     const LayoutEvent corner{ 0, Layout::bubble, topLeft };
     const std::pair<LayoutEvent, LayoutEvent> changes[] = { { camera, bubble }, { bubble, camera }, { bubble, screen },
-        { screen, bubble }, { screen, camera }, { bubble, corner } };
+        { screen, bubble }, { screen, camera }, { camera, screen }, { bubble, corner } };
     for (auto [from, to] : changes) {
         SCOPED_TRACE(std::to_string(static_cast<int>(from.layout)) + " to " + std::to_string(static_cast<int>(to.layout)));
         to.time = 3;
