@@ -40,6 +40,9 @@ public:
     pw_core* core() const { return m_core.get(); }
     pw_loop* loop() const;
 
+    /// Runs the function on the loop's thread and waits for it. It must not throw.
+    void invoke(const std::function<void()>& function);
+
     /// Waits until the server has done what was asked of it so far and the loop's thread has handled its answers. False when that
     /// took longer, or when the connection is lost. Not on the loop's thread.
     [[nodiscard]] bool awaitServer(std::chrono::milliseconds longest = std::chrono::seconds(3));
