@@ -17,9 +17,7 @@ public:
     MediaServer()
     {
         setenv(variable, m_folder.path().c_str(), 1);
-        m_process.start(QStringLiteral("pipewire"), QStringList());
-        if (!pumpUntil([this] { return std::filesystem::exists(m_folder.path() / "pipewire-0"); }))
-            throw std::runtime_error("No media server of our own");
+        start();
     }
     ~MediaServer()
     {
@@ -27,10 +25,18 @@ public:
         unsetenv(variable);
     }
 
+    void start()
+    {
+        m_process.start(QStringLiteral("pipewire"), QStringList());
+        if (!pumpUntil([this] { return std::filesystem::exists(m_folder.path() / "pipewire-0"); }))
+            throw std::runtime_error("No media server of our own");
+    }
+
     void kill()
     {
         m_process.kill();
         m_process.waitForFinished();
+        std::filesystem::remove(m_folder.path() / "pipewire-0");
     }
 
 private:
