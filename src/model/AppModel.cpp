@@ -39,6 +39,10 @@ AppModel::AppModel(Options options)
         QMetaObject::invokeMethod(
             qApp, [model, description] { if (model) model->onStreamError(description); }, Qt::QueuedConnection);
     });
+    m_recorder->setOnStatus([model = QPointer(this)](const QString& text) {
+        QMetaObject::invokeMethod(
+            qApp, [model, text] { if (model) model->setStatus(text); }, Qt::QueuedConnection);
+    });
 }
 
 AppModel::~AppModel() = default;

@@ -134,6 +134,7 @@ QCoro::Task<> RecordingFlow::startCapture()
     if (found.empty())
         throw AppError("No display found");
     const auto chosen = std::ranges::find(found, m_model.settings()->displayID(), &Display::id);
+    m_recorder.setCaptureSystemAudio(m_model.settings()->systemAudio());
     co_await m_recorder.startScreen(chosen == found.end() ? found.front() : *chosen);
 }
 
