@@ -58,7 +58,7 @@ void SoundPlacement::place(Sound sound, HostDuration at, const Sink& sink)
     hand(m_resampler.resample(sound, step), sink);
 }
 
-void SoundPlacement::finish(SampleCount end, const Sink& sink)
+void SoundPlacement::fillUntil(SampleCount end, const Sink& sink)
 {
     hand(m_resampler.drain(), sink);
     fill(end - m_next, sink);

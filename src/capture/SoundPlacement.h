@@ -24,8 +24,8 @@ public:
     /// with the next piece.
     void place(Sound sound, HostDuration at, const Sink& sink);
 
-    /// Gives out what is left and fills with silence up to `end`.
-    void finish(SampleCount end, const Sink& sink);
+    /// Gives out what is left and fills with silence up to `end`. What is placed later may not lie before that.
+    void fillUntil(SampleCount end, const Sink& sink);
 
 private:
     void jump(Sound sound, HostDuration at, const Sink& sink);

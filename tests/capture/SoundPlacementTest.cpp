@@ -40,7 +40,7 @@ struct Track {
         return [this](const Sound& sound) { samples.insert(samples.end(), sound.samples.begin(), sound.samples.end()); };
     }
     void place(const Sound& sound, double sample) { placement.place(sound, at(sample), sink()); }
-    void finish(int end) { placement.finish(SampleCount(end), sink()); }
+    void finish(int end) { placement.fillUntil(SampleCount(end), sink()); }
 };
 
 /// A source that hears a tone of true pitch with a clock of its own.
