@@ -240,6 +240,27 @@ void AppModel::listDisplays()
         m_settings.setDisplayID(m_displays.front().id);
 }
 
+std::optional<Display> AppModel::screen() const
+{
+    try {
+        const std::vector<Display> found = vantry::displays();
+        const auto chosen = std::ranges::find(found, m_settings.displayID(), &Display::id);
+        return found.empty() ? std::nullopt : std::optional(chosen == found.end() ? found.front() : *chosen);
+    } catch (const std::exception&) {
+        return std::nullopt;
+    }
+}
+
+bool AppModel::hasCamera() const
+{
+    return m_recorder->hasCamera();
+}
+
+double AppModel::bubbleSize() const
+{
+    return m_project ? m_project->bubbleSize : m_settings.setupBubble();
+}
+
 void AppModel::onStreamError(const QString& description)
 {
     setAlert("Screen capture stopped: "_L1 + description);

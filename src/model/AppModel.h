@@ -90,6 +90,15 @@ public:
     std::optional<double> exportProgress() const { return m_exportProgress; }
     const std::vector<Display>& displays() const { return m_displays; }
 
+    /// The chosen display as it is now, else the first. Nothing where there is none.
+    std::optional<Display> screen() const;
+
+    /// Whether clips have a camera track.
+    bool hasCamera() const;
+
+    /// Diameter of the bubble as a fraction of the frame's height: the project's, else the next recording's.
+    double bubbleSize() const;
+
     Settings* settings() { return &m_settings; }
     Recorder& recorder() { return *m_recorder; }
     RecordingFlow& recording() { return *m_recording; }
