@@ -24,12 +24,13 @@ function(vantry_room name)
     set_property(GLOBAL APPEND PROPERTY VANTRY_ROOMS ${name})
 endfunction()
 
-# vantry_test(NAME [SERIAL] [ROOMS room...] [LINK library...])
+# vantry_test(NAME [SERIAL] [SERIAL_TESTS filter] [ROOMS room...] [LINK library...])
 #
 # One GoogleTest program from every source of tests/NAME; each of its tests is a test of CTest. SERIAL: the tests share the desktop
-# with each other (windows, the screen's picture, sound devices) and never run side by side with another such test.
+# with each other (windows, the screen's picture, sound devices) and never run side by side with another such test. SERIAL_TESTS: so
+# do those of them that GoogleTest's filter names.
 function(vantry_test name)
-    cmake_parse_arguments(TEST "SERIAL" "" "ROOMS;LINK" ${ARGN})
+    cmake_parse_arguments(TEST "SERIAL" "SERIAL_TESTS" "ROOMS;LINK" ${ARGN})
     file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.h)
     add_executable(test_${name} ${sources})
     target_link_libraries(test_${name} PRIVATE vantry_settings ${TEST_ROOMS} ${TEST_LINK} GTest::gmock GTest::gtest_main)
@@ -38,9 +39,15 @@ function(vantry_test name)
     if(VANTRY_SANITIZE)
         set(properties TIMEOUT 900) # up to twenty times slower, and machines differ
     endif()
-    if(TEST_SERIAL)
-        list(APPEND properties RESOURCE_LOCK desktop)
-    endif()
     include(GoogleTest)
-    gtest_discover_tests(test_${name} DISCOVERY_MODE PRE_TEST TEST_PREFIX "${name}." PROPERTIES ${properties})
+    set(serial "*")
+    if(NOT TEST_SERIAL)
+        set(serial "${TEST_SERIAL_TESTS}")
+        gtest_discover_tests(test_${name} DISCOVERY_MODE PRE_TEST TEST_PREFIX "${name}." TEST_FILTER "-${serial}"
+            PROPERTIES ${properties})
+    endif()
+    if(serial)
+        gtest_discover_tests(test_${name} DISCOVERY_MODE PRE_TEST TEST_PREFIX "${name}." TEST_FILTER "${serial}"
+            TEST_LIST test_${name}_SERIAL PROPERTIES ${properties} RESOURCE_LOCK desktop)
+    endif()
 endfunction()

@@ -13,6 +13,7 @@ namespace vantry {
 
 Launch::Launch(AppModel& model, CommandLine line)
     : m_model(model)
+    , m_hotKeys([&model](const QString& trouble) { model.setStatus(trouble); })
     , m_line(std::move(line))
 {
 }
@@ -29,6 +30,7 @@ QCoro::Task<> Launch::run()
         m_model.open(*m_line.open);
         co_return;
     }
+    m_hotKeys.install([this](std::uint32_t id) { m_model.hotkey(id); });
     m_model.listDisplays();
     if (m_line.retakeCancel) {
         RetakeCancel check(m_model, *m_line.retakeCancel);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/CommandLine.h"
+#include "capture/HotKeys.h"
 #include "model/AppModel.h"
 
 #include <QCoroTask>
@@ -24,6 +25,7 @@ private:
     QCoro::Task<> autorecord(double wait);
 
     AppModel& m_model;
+    HotKeys m_hotKeys;
     const CommandLine m_line;
     bool m_launched = false;
 };

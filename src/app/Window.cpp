@@ -1,6 +1,8 @@
 #include "app/Window.h"
 
 #include "base/AppError.h"
+#include "platform/WindowHints.h"
+#include "ui/FloatingPanel.h"
 
 #include <QFont>
 #include <QGuiApplication>
@@ -13,6 +15,21 @@ Q_IMPORT_QML_PLUGIN(VantryPlugin)
 namespace vantry {
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+/// A shadow is no part of a window, so it would be recorded.
+void leavePanelsWithoutShadow()
+{
+    if (QGuiApplication::platformName() != "xcb"_L1)
+        return;
+    for (QWindow* window : QGuiApplication::topLevelWindows()) {
+        if (qobject_cast<FloatingPanel*>(window))
+            leaveWithoutShadow(static_cast<std::uint32_t>(window->winId()));
+    }
+}
+
+} // namespace
 
 bool Window::hasDesktop()
 {
@@ -27,8 +44,10 @@ Window::Window(AppModel& model)
     m_engine = std::make_unique<QQmlApplicationEngine>();
     m_engine->setInitialProperties({ { u"model"_s, QVariant::fromValue(&model) } });
     m_engine->load(u"qrc:/qt/qml/Vantry/Main.qml"_s);
-    if (m_engine->rootObjects().isEmpty())
+    m_engine->load(u"qrc:/qt/qml/Vantry/Panels.qml"_s);
+    if (m_engine->rootObjects().size() != 2)
         throw AppError("The window could not be loaded");
+    leavePanelsWithoutShadow();
 }
 
 Window::~Window() = default;

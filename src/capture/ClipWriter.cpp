@@ -21,6 +21,10 @@ constexpr std::int64_t waitingBytes = 100'000'000;
 /// About ten seconds of what a sound server hands over at a time.
 constexpr int waitingSounds = 256;
 
+/// Sound that is this much later than the rest of the clip is not awaited any longer, but for the last second.
+constexpr auto longestSoundDelay = std::chrono::seconds(2);
+constexpr auto awaitedSound = std::chrono::seconds(1);
+
 int waitingPictures(PictureSize size)
 {
     const auto bytes = std::int64_t{ size.width } * size.height * 3 / 2;
@@ -60,6 +64,7 @@ struct ClipWriter::State {
         : file(file)
         , start(start)
     {
+        soundUntil.fill(start);
     }
     ~State();
 
@@ -69,6 +74,7 @@ struct ClipWriter::State {
     ClipTrack* track(TrackKind kind) const { return tracks[static_cast<std::size_t>(kind)].get(); }
     PacketSink sinkOf(TrackKind kind);
     void offer(TrackKind kind, std::function<void(ClipTrack&, const PacketSink&)> write);
+    void keepUp(HostTime now);
     void attempt(const std::function<void()>& work);
     void fail(const std::string& text);
     void finishTrack(TrackKind kind, HostDuration length);
@@ -76,7 +82,10 @@ struct ClipWriter::State {
 
     const std::filesystem::path file;
     const HostTime start;
-    Phase phase = Phase::Writing; ///< Belongs to the caller's thread.
+
+    // Belong to the caller's thread.
+    Phase phase = Phase::Writing;
+    std::array<HostTime, trackKindCount> soundUntil{}; ///< Of each sound, where it ends so far.
 
     // Safe to use from any thread.
     std::atomic<bool> hasFailed = false;
@@ -158,6 +167,21 @@ void ClipWriter::State::offer(TrackKind kind, std::function<void(ClipTrack&, con
     });
 }
 
+/// A microphone that is gone leaves silence, and not all of it for the clip's end: an hour of it takes a while to encode.
+void ClipWriter::State::keepUp(HostTime now)
+{
+    for (const auto kind : { TrackKind::audio, TrackKind::system }) {
+        HostTime& until = soundUntil[static_cast<std::size_t>(kind)];
+        ClipTrack* sound = track(kind);
+        if (!sound || now - until < longestSoundDelay || !sound->queue.hasRoom())
+            continue;
+        until = now - awaitedSound;
+        sound->queue.post([this, sound, sink = sinkOf(kind), end = std::chrono::round<SampleCount>(until - start)] {
+            attempt([&] { sound->sounds->fillUntil(end, sink); });
+        });
+    }
+}
+
 /// Does nothing after a failure; a failure of its own is the clip's.
 void ClipWriter::State::attempt(const std::function<void()>& work)
 {
@@ -235,6 +259,9 @@ void ClipWriter::append(const PictureSample& sample, TrackKind kind)
             if (!target.pictures->write(picture, time, sink))
                 ++target.lost;
         });
+    // A camera's stamps are its own.
+    if (kind == TrackKind::screen)
+        m_state->keepUp(sample.time);
 }
 
 void ClipWriter::append(SoundSample sample, TrackKind kind)
@@ -247,6 +274,8 @@ void ClipWriter::append(SoundSample sample, TrackKind kind)
         kind, [sound = std::move(sample.sound), at = sample.time - m_state->start](ClipTrack& target, const PacketSink& sink) {
             target.sounds->write(sound, at, sink);
         });
+    m_state->soundUntil[static_cast<std::size_t>(kind)] = end;
+    m_state->keepUp(end);
 }
 
 bool ClipWriter::isReady(TrackKind kind) const

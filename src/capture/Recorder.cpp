@@ -9,6 +9,7 @@
 namespace vantry {
 
 using namespace std::chrono_literals;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -21,6 +22,7 @@ Recorder::~Recorder()
     m_captureQueue.sync([this] { resumeFirstFrame(); });
     m_screenQueue.finish();
     m_stream.reset();
+    m_systemSound.reset();
     m_captureQueue.sync([this] {
         if (m_writer)
             m_writer->finish(HostClock::now(), [](const ClipOutcome&) {});
@@ -31,8 +33,11 @@ Recorder::~Recorder()
 
 QFuture<void> Recorder::startScreen(const Display& display)
 {
-    return inBackground(m_screenQueue, [this, display] {
+    return inBackground(m_screenQueue, [this, display, systemAudio = m_captureSystemAudio] {
         openStream(display);
+        if (systemAudio)
+            openSystemSound();
+        m_captureQueue.sync([this] { m_systemAudio = m_systemSound != nullptr; });
         awaitFirstFrame();
     });
 }
@@ -41,6 +46,7 @@ QFuture<void> Recorder::stopScreen()
 {
     return inBackground(m_screenQueue, [this] {
         m_stream.reset();
+        m_systemSound.reset();
         m_captureQueue.sync([this] { m_latestScreen.reset(); });
     });
 }
@@ -48,6 +54,7 @@ QFuture<void> Recorder::stopScreen()
 void Recorder::openStream(const Display& display)
 {
     m_stream.reset();
+    m_systemSound.reset();
     const ScreenStream::Handlers handlers {
         .onFrame = [this](const ScreenFrame& frame) { onFrame(frame); },
         .onError = [this](const AppError& error) {
@@ -58,6 +65,32 @@ void Recorder::openStream(const Display& display)
     // Our own windows are no part of what is recorded.
     m_stream = std::make_unique<ScreenStream>(display, m_captureQueue, handlers, ScreenStream::Options { .excludedProcesses = { getpid() } });
     m_captureQueue.sync([this, width = m_stream->width(), height = m_stream->height()] { m_screenSize = { width, height }; });
+}
+
+/// Without it the screen is recorded all the same.
+void Recorder::openSystemSound()
+{
+    const SystemSoundSource::Handlers handlers {
+        .onSound = [this](SoundSample sample) {
+            if (m_writer)
+                m_writer->append(std::move(sample), TrackKind::system);
+        },
+        .onChange = [this](const std::optional<AppError>& problem) { onSystemSound(problem); },
+    };
+    try {
+        m_systemSound = std::make_unique<SystemSoundSource>(m_captureQueue, handlers);
+    } catch (const AppError& error) {
+        m_captureQueue.post([this, error] { onSystemSound(error); });
+    }
+}
+
+void Recorder::onSystemSound(const std::optional<AppError>& problem)
+{
+    const QString text = problem ? u"Other applications' sound is not recorded: "_s + QString::fromUtf8(problem->what())
+                                 : u"Other applications' sound is recorded again."_s;
+    qCWarning(logCapture) << text;
+    if (m_onStatus)
+        m_onStatus(text);
 }
 
 void Recorder::awaitFirstFrame()
@@ -93,7 +126,7 @@ void Recorder::beginClip(const std::filesystem::path& file)
 {
     m_captureQueue.sync([&] {
         const HostTime start = HostClock::now();
-        auto writer = std::make_unique<ClipWriter>(file, ClipTracks { .screen = m_screenSize }, start);
+        auto writer = std::make_unique<ClipWriter>(file, ClipTracks { .screen = m_screenSize, .system = m_systemAudio }, start);
         // A still screen sends nothing, and yet every clip begins with a picture.
         if (m_latestScreen)
             writer->append(PictureSample { m_latestScreen->picture, start }, TrackKind::screen);

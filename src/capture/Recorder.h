@@ -3,6 +3,7 @@
 #include "base/Worker.h"
 #include "capture/ClipWriter.h"
 #include "capture/ScreenStream.h"
+#include "capture/SystemSoundSource.h"
 #include "platform/Displays.h"
 
 #include <QFuture>
@@ -22,12 +23,19 @@ namespace vantry {
 class Recorder {
 public:
     using StreamErrorHandler = std::function<void(const QString& description)>;
+    using StatusHandler = std::function<void(const QString& text)>;
 
     Recorder() = default;
     ~Recorder();
 
     /// Called on the capture queue when the screen stream ended by itself. To be set before the first start.
     void setOnStreamError(StreamErrorHandler handler) { m_onStreamError = std::move(handler); }
+
+    /// Called on the capture queue with what the user should know of other programs' sound. To be set before the first start.
+    void setOnStatus(StatusHandler handler) { m_onStatus = std::move(handler); }
+
+    /// Whether the next screen stream comes with other programs' sound; a running one stays as it is.
+    void setCaptureSystemAudio(bool captured) { m_captureSystemAudio = captured; }
 
     /// Starts the stream and is done when its first frame has come, or after 3 seconds without one. Fails with an AppError.
     QFuture<void> startScreen(const Display& display);
@@ -51,15 +59,20 @@ public:
 
 private:
     void openStream(const Display& display);
+    void openSystemSound();
+    void onSystemSound(const std::optional<AppError>& problem);
     void awaitFirstFrame();
     void onFrame(const ScreenFrame& frame);
     void resumeFirstFrame();
     void onFinished(const ClipOutcome& outcome);
 
     StreamErrorHandler m_onStreamError;
+    StatusHandler m_onStatus;
+    bool m_captureSystemAudio = false; ///< Belongs to the main thread.
 
-    // Belongs to the screen queue.
+    // Belong to the screen queue.
     std::unique_ptr<ScreenStream> m_stream;
+    std::unique_ptr<SystemSoundSource> m_systemSound;
 
     // Belongs to the capture queue.
     std::unique_ptr<ClipWriter> m_writer;
@@ -68,6 +81,7 @@ private:
     std::optional<ScreenFrame> m_latestScreen;
     std::optional<std::promise<void>> m_firstFrame;
     PictureSize m_screenSize;
+    bool m_systemAudio = false; ///< The running stream comes with other programs' sound.
 
     // The screen's jobs wait for the capture queue, never the other way round.
     Worker m_captureQueue { "vantry.capture" };

@@ -3,22 +3,28 @@
 #include <algorithm>
 #include <cassert>
 #include <cmath>
+#include <utility>
 
 namespace vantry {
 
 namespace {
 
-/// Stamps tremble by less than this; a server that lost a cycle is off by more.
-constexpr SampleCount jumpFrom(sampleRate / 100);
+/// Stamps tremble by less than this, and drift is made up for long before; a server that lost a cycle is off by more.
+constexpr double jumpFrom = sampleRate / 200.0;
 
-/// Smoothed drift from which on it is corrected: half a millisecond.
-constexpr double correctedFrom = sampleRate / 2000.0;
+/// An error up to here (half a millisecond, smoothed) is nothing to be made up for: a true clock's sound passes unchanged.
+constexpr double tolerated = sampleRate / 2000.0;
 
-/// How slowly the drift follows the stamps, in pieces.
-constexpr double smoothing = 64;
+/// How slowly the error follows the stamps, in seconds.
+constexpr double smoothing = 1;
 
-/// At most one sample is put in or left out among so many, 3 cents of pitch.
-constexpr std::size_t samplesPerCorrection = 500;
+/// The share of the error beyond what is tolerated that is made up for in a second, and the share of it that is taken for the
+/// clock's drift: together they come to rest within some ten seconds, without swinging.
+constexpr double errorShare = 0.4;
+constexpr double driftShare = 0.04;
+
+/// At most this many samples a second are put in or left out: half a hundredth, 9 cents of pitch.
+constexpr double mostCorrection = sampleRate / 200.0;
 
 constexpr SampleCount silencePiece(sampleRate);
 
@@ -28,68 +34,57 @@ void cutFront(Sound& sound, SampleCount length)
     sound.samples.erase(sound.samples.begin(), sound.samples.begin() + static_cast<std::ptrdiff_t>(samples));
 }
 
-Sound stretched(const Sound& sound, std::size_t frames)
+/// What of the error lies beyond what is tolerated.
+double excess(double error)
 {
-    Sound result{ .channels = sound.channels, .samples = {} };
-    const auto channels = static_cast<std::size_t>(sound.channels);
-    result.samples.reserve(frames * channels);
-    const double step = static_cast<double>(sound.frames()) / static_cast<double>(frames);
-    for (std::size_t i = 0; i < frames; ++i) {
-        const double position = static_cast<double>(i) * step;
-        const auto before = static_cast<std::size_t>(position);
-        const auto after = std::min(before + 1, sound.frames() - 1);
-        const auto share = static_cast<float>(position - std::floor(position));
-        for (std::size_t channel = 0; channel < channels; ++channel)
-            result.samples.push_back(
-                std::lerp(sound.samples[before * channels + channel], sound.samples[after * channels + channel], share));
-    }
-    return result;
+    return error - std::clamp(error, -tolerated, tolerated);
 }
 
 } // namespace
 
 SoundPlacement::SoundPlacement(int channels)
     : m_channels(channels)
+    , m_resampler(channels)
 {
 }
 
 void SoundPlacement::place(Sound sound, HostDuration at, const Sink& sink)
 {
     assert(sound.channels == m_channels);
-    const SampleCount distance = std::chrono::round<SampleCount>(at) - m_next;
-    if (!m_isPlaced || std::chrono::abs(distance) > jumpFrom)
-        jump(sound, distance, sink);
-    else
-        follow(sound, distance);
-    hand(sound, sink);
+    const double error = seconds(at) * sampleRate - (static_cast<double>(m_next.count()) + m_resampler.held());
+    if (!m_isPlaced || std::abs(error) > jumpFrom)
+        return jump(std::move(sound), at, sink);
+    const double step = stepFor(sound, error);
+    hand(m_resampler.resample(sound, step), sink);
 }
 
-void SoundPlacement::finish(SampleCount end, const Sink& sink)
+void SoundPlacement::fillUntil(SampleCount end, const Sink& sink)
 {
+    hand(m_resampler.drain(), sink);
     fill(end - m_next, sink);
 }
 
-void SoundPlacement::jump(Sound& sound, SampleCount distance, const Sink& sink)
+void SoundPlacement::jump(Sound sound, HostDuration at, const Sink& sink)
 {
+    hand(m_resampler.drain(), sink);
+    const SampleCount distance = std::chrono::round<SampleCount>(at) - m_next;
     if (distance > SampleCount::zero())
         fill(distance, sink);
     else
         cutFront(sound, -distance);
     m_isPlaced = m_isPlaced || !sound.samples.empty();
-    m_drift = 0;
+    m_error = 0;
+    hand(m_resampler.resample(sound, stepFor(sound, 0)), sink);
 }
 
-void SoundPlacement::follow(Sound& sound, SampleCount distance)
+/// How many samples to take for each that is given: about one.
+double SoundPlacement::stepFor(const Sound& sound, double error)
 {
-    m_drift += (static_cast<double>(distance.count()) - m_drift) / smoothing;
-    m_sinceCorrection += sound.frames();
-    if (std::abs(m_drift) < correctedFrom || m_sinceCorrection < samplesPerCorrection)
-        return;
-    m_sinceCorrection = 0;
-    const auto most = static_cast<double>(std::max<std::size_t>(sound.frames() / samplesPerCorrection, 1));
-    const auto correction = static_cast<std::ptrdiff_t>(std::clamp(std::trunc(m_drift), -most, most));
-    sound = stretched(sound, sound.frames() + static_cast<std::size_t>(correction));
-    m_drift -= static_cast<double>(correction);
+    const double length = static_cast<double>(sound.frames()) / sampleRate;
+    m_error += (error - m_error) * -std::expm1(-length / smoothing);
+    m_drift = std::clamp(m_drift + excess(m_error) * driftShare * length, -mostCorrection, mostCorrection);
+    const double correction = std::clamp(m_drift + excess(m_error) * errorShare, -mostCorrection, mostCorrection);
+    return 1 - correction / sampleRate;
 }
 
 void SoundPlacement::hand(const Sound& sound, const Sink& sink)

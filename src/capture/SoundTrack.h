@@ -23,10 +23,16 @@ public:
         m_placement.place(sound, at, [&](const Sound& placed) { m_encoder.encode(placed, sink); });
     }
 
+    /// No more sound will come from before `end`.
+    void fillUntil(SampleCount end, const PacketSink& sink)
+    {
+        m_placement.fillUntil(end, [&](const Sound& placed) { m_encoder.encode(placed, sink); });
+    }
+
     /// Ends the track at `end`.
     void finish(SampleCount end, const PacketSink& sink)
     {
-        m_placement.finish(end, [&](const Sound& placed) { m_encoder.encode(placed, sink); });
+        fillUntil(end, sink);
         m_encoder.finish(sink);
     }
 

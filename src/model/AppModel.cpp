@@ -1,10 +1,13 @@
 #include "model/AppModel.h"
 
 #include "base/Log.h"
+#include "capture/HotKeys.h"
 #include "capture/Recorder.h"
 #include "model/ChangeTo.h"
 #include "model/Coroutines.h"
+#include "model/EditingCommands.h"
 #include "model/ExportFlow.h"
+#include "model/FieldBinding.h"
 #include "model/Paths.h"
 #include "model/RecordingFlow.h"
 #include "project/ProjectFile.h"
@@ -28,7 +31,11 @@ AppModel::AppModel(Options options)
     , m_recorder(std::make_unique<Recorder>())
     , m_recording(std::make_unique<RecordingFlow>(*this, *m_recorder))
     , m_export(std::make_unique<ExportFlow>(*this, std::move(options.reveal)))
+    , m_editing(std::make_unique<EditingCommands>(*this, *m_recorder))
 {
+    connect(this, &AppModel::projectChanged, this, &AppModel::liveLayoutChanged);
+    connect(&m_settings, &Settings::setupLayoutChanged, this, &AppModel::liveLayoutChanged);
+    connect(&m_settings, &Settings::setupCornerChanged, this, &AppModel::liveLayoutChanged);
     m_recorder->setOnStreamError([model = QPointer(this)](const QString& description) {
         QMetaObject::invokeMethod(
             qApp,
@@ -37,6 +44,10 @@ AppModel::AppModel(Options options)
                     model->onStreamError(description);
             },
             Qt::QueuedConnection);
+    });
+    m_recorder->setOnStatus([model = QPointer(this)](const QString& text) {
+        QMetaObject::invokeMethod(
+            qApp, [model, text] { if (model) model->setStatus(text); }, Qt::QueuedConnection);
     });
 }
 
@@ -140,6 +151,49 @@ void AppModel::stop(double back)
     m_recording->stop(back);
 }
 
+void AppModel::hotkey(std::uint32_t id)
+{
+    switch (static_cast<HotKey>(id)) {
+    case HotKey::StartOrStop:
+        return m_recording->startOrStop();
+    case HotKey::GoBack:
+        return m_recording->stop(30);
+    case HotKey::LayoutCamera:
+        return setLayout(Layout::camera, std::nullopt);
+    case HotKey::LayoutBubble:
+        return setLayout(Layout::bubble, std::nullopt);
+    case HotKey::LayoutScreen:
+        return setLayout(Layout::screen, std::nullopt);
+    case HotKey::NextCorner:
+        return nextCorner();
+    }
+}
+
+LayoutEvent AppModel::liveLayout() const
+{
+    return m_editing->liveLayout();
+}
+
+void AppModel::setLayout(std::optional<Layout> layout, std::optional<Corner> corner)
+{
+    m_editing->setLayout(layout, corner);
+}
+
+void AppModel::nextCorner()
+{
+    m_editing->nextCorner();
+}
+
+FieldBinding* AppModel::binding(ProjectField::Kind field, bool rebuild)
+{
+    return new FieldBinding(*this, accessTo(field), rebuild ? Rebuild::Yes : Rebuild::No);
+}
+
+FieldBinding* AppModel::overlayBinding(const QString& id, OverlayField::Kind field)
+{
+    return new FieldBinding(*this, accessTo(field, Uuid::parse(id.toStdString()).value_or(Uuid())), Rebuild::Yes);
+}
+
 void AppModel::exportTo(const fs::path& file)
 {
     m_export->start(file);
@@ -197,6 +251,27 @@ void AppModel::listDisplays()
         m_settings.setDisplayID(m_displays.front().id);
 }
 
+std::optional<Display> AppModel::screen() const
+{
+    try {
+        const std::vector<Display> found = vantry::displays();
+        const auto chosen = std::ranges::find(found, m_settings.displayID(), &Display::id);
+        return found.empty() ? std::nullopt : std::optional(chosen == found.end() ? found.front() : *chosen);
+    } catch (const std::exception&) {
+        return std::nullopt;
+    }
+}
+
+bool AppModel::hasCamera() const
+{
+    return m_recorder->hasCamera();
+}
+
+double AppModel::bubbleSize() const
+{
+    return m_project ? m_project->bubbleSize : m_settings.setupBubble();
+}
+
 void AppModel::onStreamError(const QString& description)
 {
     setAlert("Screen capture stopped: "_L1 + description);
@@ -237,6 +312,12 @@ void AppModel::setBusy(const std::optional<QString>& text)
 {
     if (changeTo(m_busy, text))
         Q_EMIT busyChanged();
+}
+
+void AppModel::setStatus(const std::optional<QString>& text)
+{
+    if (changeTo(m_status, text))
+        Q_EMIT statusChanged();
 }
 
 void AppModel::setExportProgress(std::optional<double> fraction)

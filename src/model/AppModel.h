@@ -1,6 +1,8 @@
 #pragma once
 
+#include "model/LayoutKind.h"
 #include "model/Phase.h"
+#include "model/ProjectFields.h"
 #include "model/ProjectStorage.h"
 #include "model/Settings.h"
 #include "platform/Displays.h"
@@ -12,6 +14,7 @@
 #include <QUrl>
 #include <QVariant>
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -20,7 +23,9 @@
 
 namespace vantry {
 
+class EditingCommands;
 class ExportFlow;
+class FieldBinding;
 class Recorder;
 class RecordingFlow;
 
@@ -31,6 +36,7 @@ enum class Rebuild { No, Yes };
 /// through `edit`. Belongs to the main thread; a write of the value that is already held notifies nobody.
 class AppModel : public QObject {
     Q_OBJECT
+    Q_MOC_INCLUDE("model/FieldBinding.h")
     Q_PROPERTY(vantry::Phase phase READ phase NOTIFY phaseChanged)
     Q_PROPERTY(QString folder READ folderText NOTIFY folderChanged)
     Q_PROPERTY(QString projectName READ projectName NOTIFY projectChanged)
@@ -40,6 +46,9 @@ class AppModel : public QObject {
     Q_PROPERTY(double playhead READ playhead WRITE setPlayhead NOTIFY playheadChanged)
     Q_PROPERTY(QString alert READ alertText WRITE setAlertText NOTIFY alertChanged)
     Q_PROPERTY(QString busy READ busyText NOTIFY busyChanged)
+    Q_PROPERTY(QString status READ statusText NOTIFY statusChanged)
+    Q_PROPERTY(vantry::LayoutKind::Kind liveLayout READ liveLayoutKind NOTIFY liveLayoutChanged)
+    Q_PROPERTY(vantry::CornerKind::Kind liveCorner READ liveCornerKind NOTIFY liveLayoutChanged)
     Q_PROPERTY(QVariant exportProgress READ exportProgressValue NOTIFY exportProgressChanged)
     Q_PROPERTY(QStringList recent READ recentFolders NOTIFY recentChanged)
     Q_PROPERTY(vantry::Settings* settings READ settings CONSTANT)
@@ -71,9 +80,24 @@ public:
     const std::optional<QString>& alert() const { return m_alert; }
     const std::optional<QString>& busy() const { return m_busy; }
 
+    /// What goes on, or does not work, in the background.
+    const std::optional<QString>& status() const { return m_status; }
+
+    /// The layout at the end of the recording, or the one that the next recording starts with.
+    LayoutEvent liveLayout() const;
+
     /// From 0 to 1 while an export runs.
     std::optional<double> exportProgress() const { return m_exportProgress; }
     const std::vector<Display>& displays() const { return m_displays; }
+
+    /// The chosen display as it is now, else the first. Nothing where there is none.
+    std::optional<Display> screen() const;
+
+    /// Whether clips have a camera track.
+    bool hasCamera() const;
+
+    /// Diameter of the bubble as a fraction of the frame's height: the project's, else the next recording's.
+    double bubbleSize() const;
 
     Settings* settings() { return &m_settings; }
     Recorder& recorder() { return *m_recorder; }
@@ -112,6 +136,24 @@ public:
     /// Ends the clip and edits, with the playhead `back` seconds before the end.
     Q_INVOKABLE void stop(double back);
 
+    /// What a hot key asks for, by its id. Ids of no key do nothing.
+    void hotkey(std::uint32_t id);
+
+    // Editing.
+
+    /// Changes the layout, the bubble's corner or both, now: at the playhead while editing, at the live time while recording. In
+    /// setup they are those of the next recording.
+    void setLayout(std::optional<Layout> layout, std::optional<Corner> corner);
+    Q_INVOKABLE void setLayout(vantry::LayoutKind::Kind layout) { setLayout(static_cast<Layout>(layout), std::nullopt); }
+    Q_INVOKABLE void setCorner(vantry::CornerKind::Kind corner) { setLayout(std::nullopt, static_cast<Corner>(corner)); }
+    Q_INVOKABLE void nextCorner();
+
+    /// A field of the open project to bind a control to. Belongs to the caller.
+    Q_INVOKABLE vantry::FieldBinding* binding(vantry::ProjectField::Kind field, bool rebuild);
+
+    /// The same of an overlay, which changes the preview.
+    Q_INVOKABLE vantry::FieldBinding* overlayBinding(const QString& id, vantry::OverlayField::Kind field);
+
     // Exporting.
     void exportTo(const std::filesystem::path& file);
     Q_INVOKABLE void exportTo(const QUrl& file);
@@ -134,6 +176,7 @@ public:
     std::optional<double> pendingSeek() const { return m_pendingSeek; }
     void setAlert(const std::optional<QString>& text);
     void setBusy(const std::optional<QString>& text);
+    void setStatus(const std::optional<QString>& text);
     void setExportProgress(std::optional<double> fraction);
     void countRevisionUp();
 
@@ -146,6 +189,8 @@ Q_SIGNALS:
     void playheadChanged();
     void alertChanged();
     void busyChanged();
+    void statusChanged();
+    void liveLayoutChanged();
     void exportProgressChanged();
     void displaysChanged();
     void recentChanged();
@@ -159,6 +204,9 @@ private:
     QString alertText() const { return m_alert.value_or(QString()); }
     void setAlertText(const QString& text) { setAlert(text.isEmpty() ? std::nullopt : std::optional(text)); }
     QString busyText() const { return m_busy.value_or(QString()); }
+    QString statusText() const { return m_status.value_or(QString()); }
+    LayoutKind::Kind liveLayoutKind() const { return static_cast<LayoutKind::Kind>(liveLayout().layout); }
+    CornerKind::Kind liveCornerKind() const { return static_cast<CornerKind::Kind>(liveLayout().corner); }
     QVariant exportProgressValue() const { return m_exportProgress ? QVariant(*m_exportProgress) : QVariant(); }
     QStringList recentFolders() const;
 
@@ -180,6 +228,7 @@ private:
     double m_playhead = 0;
     std::optional<QString> m_alert;
     std::optional<QString> m_busy;
+    std::optional<QString> m_status;
     std::optional<double> m_exportProgress;
     std::vector<Display> m_displays;
     std::optional<double> m_pendingSeek;
@@ -187,6 +236,7 @@ private:
     std::unique_ptr<Recorder> m_recorder;
     std::unique_ptr<RecordingFlow> m_recording;
     std::unique_ptr<ExportFlow> m_export;
+    std::unique_ptr<EditingCommands> m_editing;
 };
 
 } // namespace vantry

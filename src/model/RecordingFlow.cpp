@@ -56,6 +56,16 @@ void RecordingFlow::stop(double back)
     launch(stopAndReview(back), [flow = QPointer(this)](const QString& description) { if (flow) flow->report(description); });
 }
 
+void RecordingFlow::startOrStop()
+{
+    if (m_model.phase().isCountdown())
+        cancelStart();
+    else if (m_model.phase() == Phase::recording())
+        stop(0);
+    else
+        record(std::nullopt);
+}
+
 QCoro::Task<> RecordingFlow::startClip(std::optional<double> cutAt)
 {
     const QPointer<RecordingFlow> self(this);
@@ -124,6 +134,7 @@ QCoro::Task<> RecordingFlow::startCapture()
     if (found.empty())
         throw AppError("No display found");
     const auto chosen = std::ranges::find(found, m_model.settings()->displayID(), &Display::id);
+    m_recorder.setCaptureSystemAudio(m_model.settings()->systemAudio());
     co_await m_recorder.startScreen(chosen == found.end() ? found.front() : *chosen);
 }
 

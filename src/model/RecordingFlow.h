@@ -31,6 +31,9 @@ public:
     /// Ends the clip and edits, with the playhead `back` seconds before the end. Accepted while recording only.
     void stop(double back);
 
+    /// What one key does in turn: starts a clip, cancels its countdown, ends the clip.
+    void startOrStop();
+
     /// Ends the clip in progress and waits until it is part of the project, also when it is being ended already.
     QCoro::Task<> finishClip();
 

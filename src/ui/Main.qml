@@ -2,17 +2,20 @@ import QtQuick
 import QtQuick.Controls.Basic
 import Vantry
 
-/// The main window: the screen of the phase, and the alert above it.
+/// The main window: the screen of the phase, and the alert above it. It hides while a clip is recorded.
 ApplicationWindow {
     id: window
 
     required property AppModel model
 
+    /// Nothing is being recorded, so nobody minds the window.
+    readonly property bool idle: model.phase.kind === Phase.Setup || model.phase.kind === Phase.Editing
+
     width: 1200
     height: 780
     minimumWidth: 640
     minimumHeight: 480
-    visible: true
+    visible: idle
     title: "Vantry"
     color: Theme.canvas
     palette {
@@ -35,6 +38,13 @@ ApplicationWindow {
         model.quit();
     }
 
+    onVisibleChanged: {
+        if (visible) {
+            raise();
+            requestActivate();
+        }
+    }
+
     Loader {
         anchors.fill: parent
         focus: true
@@ -45,8 +55,6 @@ ApplicationWindow {
         switch (phase) {
         case Phase.Setup:
             return setup;
-        case Phase.Countdown:
-            return countdown;
         case Phase.Editing:
             return editing;
         default:
@@ -61,21 +69,25 @@ ApplicationWindow {
     }
 
     Component {
-        id: countdown
-
-        CountdownScreen { model: window.model }
-    }
-
-    Component {
         id: recording
 
-        RecordingScreen { model: window.model }
+        RecordingScreen { }
     }
 
     Component {
         id: editing
 
         EditingScreen { model: window.model }
+    }
+
+    Label {
+        anchors { left: parent.left; right: parent.right; bottom: parent.bottom; margins: Theme.gap }
+        text: window.model.status
+        color: Theme.inkSecondary
+        elide: Text.ElideRight
+        font.pixelSize: Theme.fontSize
+        Accessible.name: text
+        Accessible.ignored: text === ""
     }
 
     AlertDialog { model: window.model }

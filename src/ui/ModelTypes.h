@@ -28,4 +28,28 @@ namespace PhaseType {
     QML_NAMED_ELEMENT(Phase)
 }
 
+namespace LayoutKindType {
+    Q_NAMESPACE
+    QML_FOREIGN_NAMESPACE(vantry::LayoutKind)
+    QML_NAMED_ELEMENT(LayoutKind)
+}
+
+namespace CornerKindType {
+    Q_NAMESPACE
+    QML_FOREIGN_NAMESPACE(vantry::CornerKind)
+    QML_NAMED_ELEMENT(CornerKind)
+}
+
+namespace ProjectFieldType {
+    Q_NAMESPACE
+    QML_FOREIGN_NAMESPACE(vantry::ProjectField)
+    QML_NAMED_ELEMENT(ProjectField)
+}
+
+namespace OverlayFieldType {
+    Q_NAMESPACE
+    QML_FOREIGN_NAMESPACE(vantry::OverlayField)
+    QML_NAMED_ELEMENT(OverlayField)
+}
+
 } // namespace vantry

@@ -11,6 +11,9 @@ QtObject {
     readonly property color ink: "#f2f5fa"
     readonly property color inkSecondary: "#adb8c9"
     readonly property color accent: "#94acff"
+    readonly property color well: "#10151d"
+    readonly property color selected: "#334568"
+    readonly property color selectedInk: "#e1e9ff"
     readonly property color recording: "#ff667a"
 
     readonly property int gap: 12

@@ -1,5 +1,6 @@
 #include "project/ProjectFile.h"
 #include "project/Timeline.h"
+#include "support/Command.h"
 #include "support/MovieProbe.h"
 #include "support/TemporaryFolder.h"
 #include "support/XServer.h"
@@ -23,6 +24,25 @@ using testing::SizeIs;
 using testing::StartsWith;
 
 namespace {
+
+/// The instants between which something was done.
+struct Around {
+    std::chrono::steady_clock::time_point before = std::chrono::steady_clock::now();
+    std::chrono::steady_clock::time_point after{};
+};
+
+double seconds(std::chrono::steady_clock::duration duration)
+{
+    return std::chrono::duration<double>(duration).count();
+}
+
+Around pressKey(const std::string& key)
+{
+    Around around;
+    test::runCommand("xdotool key ctrl+alt+" + key);
+    around.after = std::chrono::steady_clock::now();
+    return around;
+}
 
 /// Runs the real program, with a home of its own.
 class ProgramTest : public testing::Test {
@@ -68,13 +88,31 @@ protected:
     /// Waits until the program has written this to standard error.
     bool says(const std::string& text)
     {
+        return holdsSoon([&] { return contents(errorFile()).find(text) != std::string::npos; });
+    }
+
+    template<typename Condition>
+    static bool holdsSoon(Condition condition)
+    {
         const auto deadline = std::chrono::steady_clock::now() + 60s;
-        while (contents(errorFile()).find(text) == std::string::npos) {
+        while (!condition()) {
             if (std::chrono::steady_clock::now() > deadline)
                 return false;
             std::this_thread::sleep_for(10ms);
         }
         return true;
+    }
+
+    /// Whether a clip is, or was, recorded.
+    bool hasClip() const
+    {
+        if (!fs::exists(m_home / "Videos/Vantry"))
+            return false;
+        for (const auto& entry : fs::recursive_directory_iterator(m_home / "Videos/Vantry")) {
+            if (entry.path().extension() == ".mov")
+                return true;
+        }
+        return false;
     }
 
     fs::path outputFile() const { return m_home / "output"; }
@@ -165,16 +203,7 @@ TEST_F(ProgramTest, anInterruptedRecordingKeepsItsClip)
     const test::XServer screen(640, 360);
     const auto program = start("--autorecord 60 --export " + (m_home / "out.mp4").string());
     ASSERT_TRUE(says("Recording"));
-    const auto clipBegins = [&] {
-        for (const auto& entry : fs::directory_iterator(onlyProject())) {
-            if (entry.path().extension() == ".mov")
-                return true;
-        }
-        return false;
-    };
-    const auto deadline = std::chrono::steady_clock::now() + 60s;
-    while (!clipBegins() && std::chrono::steady_clock::now() < deadline)
-        std::this_thread::sleep_for(10ms);
+    ASSERT_TRUE(holdsSoon([this] { return hasClip(); }));
     kill(program->pid(), SIGINT);
     const Result result = finish(*program);
     EXPECT_EQ(result.status, 128 + SIGINT);
@@ -183,6 +212,42 @@ TEST_F(ProgramTest, anInterruptedRecordingKeepsItsClip)
     ASSERT_THAT(project.clips, SizeIs(1));
     EXPECT_NEAR(test::probeEnd(onlyProject() / project.clips[0].file, "v:0"), project.clips[0].duration, 0.05);
     EXPECT_FALSE(fs::exists(m_home / "out.mp4"));
+}
+
+TEST_F(ProgramTest, keysSteerARecordingFromOutside)
+{
+    const test::XServer screen(640, 360);
+    const auto program = start("");
+    const auto layouts = [this] {
+        return fs::exists(onlyProject() / "project.json") ? loadProject(onlyProject()).layouts : std::vector<LayoutEvent>();
+    };
+    ASSERT_TRUE(holdsSoon([&] {
+        pressKey("1");
+        return contents(m_home / "config/vantry/settings.ini").find("layout=camera") != std::string::npos;
+    }));
+    pressKey("r");
+    ASSERT_TRUE(holdsSoon([&] { return hasClip(); }));
+    // Until the clip is long enough for a change of its own.
+    ASSERT_TRUE(holdsSoon([&] {
+        pressKey("c");
+        return layouts().size() >= 2;
+    }));
+
+    // Each press lies between the two instants around the command that makes it.
+    const auto first = pressKey("2");
+    ASSERT_TRUE(holdsSoon([&] { return layouts().back().layout == Layout::bubble; }));
+    const double firstTime = layouts().back().time;
+    const auto second = pressKey("3");
+    ASSERT_TRUE(holdsSoon([&] { return layouts().back().layout == Layout::screen; }));
+    const double distance = layouts().back().time - firstTime;
+    EXPECT_GE(distance, seconds(second.before - first.after) - 0.05);
+    EXPECT_LE(distance, seconds(second.after - first.before) + 0.05);
+
+    pressKey("r");
+    ASSERT_TRUE(holdsSoon([&] { return !loadProject(onlyProject()).clips.empty(); }));
+    EXPECT_GT(loadProject(onlyProject()).clips[0].keep, layouts().back().time);
+    kill(program->pid(), SIGTERM);
+    EXPECT_EQ(finish(*program).status, 0);
 }
 
 TEST_F(ProgramTest, anInterruptedExportLeavesNoFile)

@@ -201,6 +201,24 @@ TEST_F(ClipWriterTest, samplesBeforeTheStartAreLeftOutAndLateTracksAndGapsKeepTh
         EXPECT_NEAR(probeEnd(m_file, stream), 1.5, 2e-5) << stream;
 }
 
+TEST_F(ClipWriterTest, aSoundThatIsGoneForLongIsBackAtItsPlace)
+{
+    ClipWriter writer(m_file, { .screen = size, .audio = true, .system = true }, start);
+    show(writer, 0ms);
+    play(writer, 0ms, TrackKind::audio, 4800, 400);
+    // The rest of the clip goes on meanwhile.
+    for (int i = 0; i < 30; ++i)
+        play(writer, i * 1s, TrackKind::system, sampleRate, i == 29 ? 17 : noClick);
+    play(writer, 29s, TrackKind::audio, 4800, 77);
+    waitUntilReady(writer, TrackKind::system);
+    show(writer, 29500ms, bright);
+    ASSERT_TRUE(finishedClip(writer, start + 30s).duration);
+    const auto microphone = probeSound(m_file, "a:0");
+    EXPECT_EQ(firstClick(microphone), 400);
+    EXPECT_EQ(firstClick({ microphone.begin() + 480, microphone.end() }), 29 * sampleRate + 77 - 480);
+    EXPECT_EQ(firstClick(probeSound(m_file, "a:1"), 2), 29 * sampleRate + 17);
+}
+
 TEST_F(ClipWriterTest, aStillScreenLastsToTheEndAndASilentCameraHasNoTrack)
 {
     ClipWriter writer(m_file, { .screen = size, .camera = size, .audio = true }, start);
@@ -281,7 +299,7 @@ TEST_F(ClipWriterTest, aBusyEncoderDropsAndCounts)
     ClipWriter writer(m_file, { .screen = large }, start);
     ScreenContent content(large.width, large.height, Activity::Motion);
     const std::vector pictures{ content.picture(0), content.picture(1), content.picture(2) };
-    for (std::size_t i = 0; i < 300; ++i)
+    for (std::size_t i = 0; i < 30; ++i)
         writer.append(PictureSample{ pictures[i % 3], start + frames(static_cast<double>(i)) }, TrackKind::screen);
     const auto outcome = finishedClip(writer, start + 10s);
     const auto& counts = outcome.counts[0];

@@ -63,6 +63,15 @@ Bytes chromaPairs(const std::vector<Color>& row)
     return bytes;
 }
 
+/// Of every second pixel.
+Bytes chromaOnly(const std::vector<Color>& row, uint8_t Yuv::*component)
+{
+    Bytes bytes;
+    for (std::size_t x = 0; x < row.size(); x += 2)
+        append(bytes, { toYuv(row[x]).*component });
+    return bytes;
+}
+
 Bytes packedBgrx(const std::vector<Color>& row)
 {
     Bytes bytes;
@@ -108,6 +117,13 @@ void CameraPattern::writeYuy2(std::byte* to) const
 void CameraPattern::writeNv12(std::byte* to) const
 {
     writeRows(writeRows(to, 1, lumaOnly), 2, chromaPairs);
+}
+
+void CameraPattern::writeI420(std::byte* to) const
+{
+    const auto cb = [](const Row& row) { return chromaOnly(row, &Yuv::u); };
+    const auto cr = [](const Row& row) { return chromaOnly(row, &Yuv::v); };
+    writeRows(writeRows(writeRows(to, 1, lumaOnly), 2, cb), 2, cr);
 }
 
 void CameraPattern::writeBgrx(std::byte* to) const

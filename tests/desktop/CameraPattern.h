@@ -31,6 +31,7 @@ public:
     /// Each writes the whole picture without padding; Y'CbCr is BT.709 of limited range. `to` has room for it.
     void writeYuy2(std::byte* to) const;
     void writeNv12(std::byte* to) const;
+    void writeI420(std::byte* to) const;
     void writeBgrx(std::byte* to) const;
 
 private:

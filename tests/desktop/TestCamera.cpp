@@ -1,6 +1,8 @@
-// testcamera: a camera on the media server that shows CameraPattern at 30 frames a second, as YUY2, NV12, BGRx or MJPG in three
-// sizes. As real cameras do, it drives its own graph, and each frame's header carries the time on CLOCK_MONOTONIC at which it was
-// taken. It works only while somebody looks.
+// testcamera [NAME [DESCRIPTION [FORMAT [WIDTHxHEIGHT]]]]
+//
+// A camera on the media server that shows CameraPattern at 30 frames a second, as YUY2, NV12, I420, BGRx or MJPG in three sizes, or
+// only as FORMAT and in one size. As real cameras do, it drives its own graph, and each frame's header carries the time on
+// CLOCK_MONOTONIC at which it was taken. It works only while somebody looks.
 
 #include "desktop/CameraPattern.h"
 #include "desktop/PipeWireLoop.h"
@@ -11,8 +13,12 @@
 #include <array>
 #include <chrono>
 #include <csignal>
+#include <cstdio>
 #include <cstring>
 #include <iostream>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include <spa/param/video/format-utils.h>
 
@@ -21,8 +27,22 @@ namespace vantry {
 namespace {
 
 constexpr int framesPerSecond = 30;
-constexpr spa_rectangle sizes[] = { { 1280, 720 }, { 640, 480 }, { 1920, 1080 } };
-constexpr spa_video_format rawFormats[] = { SPA_VIDEO_FORMAT_YUY2, SPA_VIDEO_FORMAT_NV12, SPA_VIDEO_FORMAT_BGRx };
+constexpr spa_rectangle allSizes[] = { { 1280, 720 }, { 640, 480 }, { 1920, 1080 } };
+
+struct Format {
+    std::string_view name;
+    spa_video_format format; // unknown: compressed
+};
+constexpr Format allFormats[] = { { "YUY2", SPA_VIDEO_FORMAT_YUY2 }, { "NV12", SPA_VIDEO_FORMAT_NV12 },
+    { "BGRx", SPA_VIDEO_FORMAT_BGRx }, { "I420", SPA_VIDEO_FORMAT_I420 }, { "MJPG", SPA_VIDEO_FORMAT_UNKNOWN } };
+
+/// What the camera is called and what it can do.
+struct Abilities {
+    std::string name = "test-camera";
+    std::string description = "Test camera";
+    std::vector<Format> formats{ std::begin(allFormats), std::end(allFormats) };
+    std::vector<spa_rectangle> sizes{ std::begin(allSizes), std::end(allSizes) };
+};
 
 int64_t now()
 {
@@ -40,7 +60,7 @@ QByteArray jpegOf(CameraPattern::Size size, uint64_t frame)
 }
 
 /// One thing that the camera can do: `format` in any of the sizes, or compressed pictures where there is no format.
-const spa_pod* offer(spa_pod_builder& builder, spa_video_format format)
+const spa_pod* offer(spa_pod_builder& builder, spa_video_format format, const std::vector<spa_rectangle>& sizes)
 {
     const bool compressed = format == SPA_VIDEO_FORMAT_UNKNOWN;
     constexpr spa_fraction rate{ framesPerSecond, 1 };
@@ -50,9 +70,15 @@ const spa_pod* offer(spa_pod_builder& builder, spa_video_format format)
         SPA_POD_Id(compressed ? SPA_MEDIA_SUBTYPE_mjpg : SPA_MEDIA_SUBTYPE_raw), 0);
     if (!compressed)
         spa_pod_builder_add(&builder, SPA_FORMAT_VIDEO_format, SPA_POD_Id(format), 0);
-    spa_pod_builder_add(&builder, SPA_FORMAT_VIDEO_size,
-        SPA_POD_CHOICE_ENUM_Rectangle(4, &sizes[0], &sizes[0], &sizes[1], &sizes[2]), SPA_FORMAT_VIDEO_framerate,
-        SPA_POD_Fraction(&rate), 0);
+    spa_pod_frame choice;
+    spa_pod_builder_prop(&builder, SPA_FORMAT_VIDEO_size, 0);
+    spa_pod_builder_push_choice(&builder, &choice, sizes.size() > 1 ? SPA_CHOICE_Enum : SPA_CHOICE_None, 0);
+    spa_pod_builder_rectangle(&builder, sizes[0].width, sizes[0].height); // the default, before all of them
+    for (const auto& size : sizes)
+        if (sizes.size() > 1)
+            spa_pod_builder_rectangle(&builder, size.width, size.height);
+    spa_pod_builder_pop(&builder, &choice);
+    spa_pod_builder_add(&builder, SPA_FORMAT_VIDEO_framerate, SPA_POD_Fraction(&rate), 0);
     return static_cast<const spa_pod*>(spa_pod_builder_pop(&builder, &object));
 }
 
@@ -60,11 +86,11 @@ const spa_pod* offer(spa_pod_builder& builder, spa_video_format format)
 
 class TestCamera {
 public:
-    TestCamera();
+    explicit TestCamera(const Abilities& abilities);
     void run() { m_loop.run(); }
 
 private:
-    void connect();
+    void connect(const Abilities& abilities);
     void changeState(pw_stream_state state);
     void changeFormat(const spa_pod* parameter);
     void offerBuffers();
@@ -87,7 +113,7 @@ private:
     std::array<QByteArray, CameraPattern::period> m_compressed;
 };
 
-TestCamera::TestCamera()
+TestCamera::TestCamera(const Abilities& abilities)
 {
     static const pw_stream_events events = {
         .version = PW_VERSION_STREAM_EVENTS,
@@ -103,19 +129,18 @@ TestCamera::TestCamera()
     const auto tick = [](void* self, uint64_t) { pw_stream_trigger_process(static_cast<TestCamera*>(self)->m_stream.get()); };
     m_timer = pw_loop_add_timer(m_loop.loop(), tick, this);
     auto* properties = pw_properties_new(PW_KEY_MEDIA_CLASS, "Video/Source", PW_KEY_MEDIA_ROLE, "Camera", PW_KEY_NODE_NAME,
-        "test-camera", PW_KEY_NODE_DESCRIPTION, "Test camera", nullptr);
-    m_stream.reset(pw_stream_new_simple(m_loop.loop(), "test-camera", properties, &events, this));
-    connect();
+        abilities.name.c_str(), PW_KEY_NODE_DESCRIPTION, abilities.description.c_str(), nullptr);
+    m_stream.reset(pw_stream_new_simple(m_loop.loop(), abilities.name.c_str(), properties, &events, this));
+    connect(abilities);
 }
 
-void TestCamera::connect()
+void TestCamera::connect(const Abilities& abilities)
 {
     std::array<std::byte, 4096> memory;
     spa_pod_builder builder = SPA_POD_BUILDER_INIT(memory.data(), memory.size());
     std::vector<const spa_pod*> offers;
-    for (auto format : rawFormats)
-        offers.push_back(offer(builder, format));
-    offers.push_back(offer(builder, SPA_VIDEO_FORMAT_UNKNOWN));
+    for (const auto& format : abilities.formats)
+        offers.push_back(offer(builder, format.format, abilities.sizes));
     const auto flags = static_cast<pw_stream_flags>(PW_STREAM_FLAG_DRIVER | PW_STREAM_FLAG_MAP_BUFFERS);
     if (pw_stream_connect(m_stream.get(), PW_DIRECTION_OUTPUT, PW_ID_ANY, flags, offers.data(), offers.size()) < 0)
         throw std::runtime_error("No connection to the media server.");
@@ -178,6 +203,7 @@ int TestCamera::stride() const
     case SPA_VIDEO_FORMAT_YUY2:
         return m_size.width * 2;
     case SPA_VIDEO_FORMAT_NV12:
+    case SPA_VIDEO_FORMAT_I420:
         return m_size.width;
     case SPA_VIDEO_FORMAT_BGRx:
         return m_size.width * 4;
@@ -188,7 +214,8 @@ int TestCamera::stride() const
 
 uint32_t TestCamera::byteCount() const
 {
-    const int chromaRows = m_format == SPA_VIDEO_FORMAT_NV12 ? m_size.height / 2 : 0;
+    const bool isPlanar = m_format == SPA_VIDEO_FORMAT_NV12 || m_format == SPA_VIDEO_FORMAT_I420;
+    const int chromaRows = isPlanar ? m_size.height / 2 : 0;
     const int bytes = stride() ? stride() * (m_size.height + chromaRows) : m_size.width * m_size.height;
     return static_cast<uint32_t>(bytes);
 }
@@ -224,6 +251,8 @@ uint32_t TestCamera::draw(std::byte* to, uint32_t room)
         pattern.writeYuy2(to);
     else if (m_format == SPA_VIDEO_FORMAT_NV12)
         pattern.writeNv12(to);
+    else if (m_format == SPA_VIDEO_FORMAT_I420)
+        pattern.writeI420(to);
     else
         pattern.writeBgrx(to);
     return byteCount();
@@ -240,12 +269,31 @@ uint32_t TestCamera::drawCompressed(std::byte* to, uint32_t room)
     return static_cast<uint32_t>(jpeg.size());
 }
 
+namespace {
+
+Abilities parse(const std::vector<std::string>& arguments)
+{
+    Abilities abilities;
+    if (arguments.size() > 1)
+        abilities.name = abilities.description = arguments[1];
+    if (arguments.size() > 2)
+        abilities.description = arguments[2];
+    if (arguments.size() > 3)
+        std::erase_if(abilities.formats, [&](const Format& format) { return format.name != arguments[3]; });
+    spa_rectangle size{};
+    if (arguments.size() > 4 && std::sscanf(arguments[4].c_str(), "%ux%u", &size.width, &size.height) == 2)
+        abilities.sizes = { size };
+    return abilities;
+}
+
+} // namespace
+
 } // namespace vantry
 
-int main()
+int main(int count, char** arguments)
 {
     try {
-        vantry::TestCamera().run();
+        vantry::TestCamera(vantry::parse({ arguments, arguments + count })).run();
         return 0;
     } catch (const std::exception& error) {
         std::cerr << error.what() << '\n';

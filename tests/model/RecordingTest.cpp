@@ -80,6 +80,17 @@ TEST_F(RecordingTest, aRecordingBecomesAClipOfTheProject)
     EXPECT_EQ(test::probeFrames(movie, "v:0").at(0).time, 0) << "a still screen has a picture from the first instant";
 }
 
+TEST_F(RecordingTest, otherApplicationsSoundIsRecordedAsTheSettingSays)
+{
+    recordASecond();
+    m_model.settings()->setSystemAudio(false);
+    recordASecond();
+    const auto channels
+        = [&](std::size_t clip) { return test::probeStream(*m_model.folder() / m_model.project()->clips.at(clip).file, "a:0")["channels"]; };
+    EXPECT_EQ(channels(0), "2");
+    EXPECT_EQ(channels(1), "");
+}
+
 TEST_F(RecordingTest, aRetakeTakesThePlaceOfWhatWasCutOff)
 {
     recordASecond();

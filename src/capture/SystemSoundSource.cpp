@@ -1,0 +1,164 @@
+#include "capture/SystemSoundSource.h"
+
+#include "platform/PipeWireLoop.h"
+#include "platform/SystemSound.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <pthread.h>
+#include <thread>
+
+namespace vantry {
+
+using namespace std::chrono_literals;
+
+static_assert(SoundStream::sampleRate == sampleRate);
+
+namespace {
+
+/// Some seconds: a capture queue that is held up for longer loses sound rather than memory.
+constexpr int mostWaitingPieces = 256;
+
+constexpr auto retryInterval = 1s;
+
+} // namespace
+
+class SystemSoundSource::Impl {
+public:
+    Impl(Worker& captureQueue, Handlers handlers)
+        : m_captureQueue(captureQueue)
+        , m_handlers(std::move(handlers))
+        , m_connection(connect())
+        , m_thread([this] { run(); })
+    {
+    }
+    ~Impl();
+
+private:
+    /// In the order in which they need each other.
+    struct Connection {
+        Connection(SystemSound::Handlers handlers)
+            : sound(loop, std::move(handlers))
+        {
+        }
+        PipeWireLoop loop{ "vantry.sound" };
+        SystemSound sound;
+    };
+
+    std::unique_ptr<Connection> connect();
+    void run();
+    void reconnect();
+    bool sleepFor(HostDuration);
+    void fail(const AppError& error);
+    void hand(std::span<const float> samples, HostTime taken);
+    void report(const std::optional<AppError>& problem);
+
+    Worker& m_captureQueue;
+    const Handlers m_handlers;
+    std::atomic<int> m_waitingPieces = 0;
+
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+
+    // Guarded by the mutex.
+    bool m_isStopping = false;
+    std::optional<AppError> m_failure; ///< Of the connection there is.
+
+    // Belongs to the thread.
+    std::unique_ptr<Connection> m_connection;
+
+    // Belongs to the caller.
+    std::thread m_thread;
+};
+
+SystemSoundSource::Impl::~Impl()
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_isStopping = true;
+    }
+    m_changed.notify_all();
+    m_thread.join();
+    m_connection.reset();
+    m_captureQueue.sync([] {}); // What was posted has run.
+}
+
+std::unique_ptr<SystemSoundSource::Impl::Connection> SystemSoundSource::Impl::connect()
+{
+    return std::make_unique<Connection>(
+        SystemSound::Handlers{ .onSound = [this](std::span<const float> samples, HostTime taken) { hand(samples, taken); },
+            .onFailed = [this](const AppError& error) { fail(error); } });
+}
+
+void SystemSoundSource::Impl::run()
+{
+    pthread_setname_np(pthread_self(), "system sound");
+    std::unique_lock lock(m_mutex);
+    while (!m_isStopping) {
+        m_changed.wait(lock, [this] { return m_isStopping || m_failure; });
+        if (!m_failure)
+            continue;
+        const auto failure = std::exchange(m_failure, std::nullopt);
+        lock.unlock();
+        report(failure);
+        reconnect();
+        lock.lock();
+    }
+}
+
+/// Gives up only when the source is stopped.
+void SystemSoundSource::Impl::reconnect()
+{
+    for (m_connection.reset(); !m_connection && sleepFor(retryInterval);)
+        try {
+            m_connection = connect();
+            report(std::nullopt);
+        } catch (const AppError&) {
+            // The user knows already.
+        }
+}
+
+/// False when the source was stopped.
+bool SystemSoundSource::Impl::sleepFor(HostDuration time)
+{
+    std::unique_lock lock(m_mutex);
+    return !m_changed.wait_for(lock, time, [this] { return m_isStopping; });
+}
+
+/// On the connection's own thread, which cannot end the connection.
+void SystemSoundSource::Impl::fail(const AppError& error)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_failure = error;
+    }
+    m_changed.notify_all();
+}
+
+/// On the media library's thread.
+void SystemSoundSource::Impl::hand(std::span<const float> samples, HostTime taken)
+{
+    if (m_waitingPieces >= mostWaitingPieces)
+        return;
+    ++m_waitingPieces;
+    m_captureQueue.post(
+        [this, sample = SoundSample{ { SystemSound::channels, { samples.begin(), samples.end() } }, taken }]() mutable {
+            m_handlers.onSound(std::move(sample));
+            --m_waitingPieces;
+        });
+}
+
+void SystemSoundSource::Impl::report(const std::optional<AppError>& problem)
+{
+    m_captureQueue.post([this, problem] { m_handlers.onChange(problem); });
+}
+
+SystemSoundSource::SystemSoundSource(Worker& captureQueue, Handlers handlers)
+    : m_impl(std::make_unique<Impl>(captureQueue, std::move(handlers)))
+{
+}
+
+SystemSoundSource::~SystemSoundSource() = default;
+
+} // namespace vantry

@@ -1,0 +1,27 @@
+import QtQuick
+import Vantry
+
+/// The presenter's mirror, round, where the bubble is in the video. It goes to a new place smoothly while it can be seen.
+FloatingPanel {
+    id: panel
+
+    required property bool shown
+    required property rect place
+    property rect current: place
+
+    title: "Vantry camera"
+    width: 200
+    height: 200
+    cornerRadius: 10000
+    visible: shown
+
+    onCurrentChanged: setGeometry(Math.round(current.x), Math.round(current.y), Math.round(current.width), Math.round(current.height))
+
+    Behavior on current {
+        enabled: panel.visible
+
+        PropertyAnimation { duration: 220; easing.type: Easing.InOutQuad }
+    }
+
+    CameraPreview { anchors { fill: parent; margins: 2 } }
+}

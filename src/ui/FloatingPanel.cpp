@@ -1,0 +1,56 @@
+#include "ui/FloatingPanel.h"
+
+#include <QGuiApplication>
+#include <QRegion>
+#include <QResizeEvent>
+
+#include <algorithm>
+#include <cmath>
+
+namespace vantry {
+
+FloatingPanel::FloatingPanel(QWindow* parent)
+    : QQuickWindow(parent)
+{
+    setColor(Qt::transparent);
+    // A window manager would put a full-screen window above it, or give it the keyboard.
+    setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus
+        | Qt::NoDropShadowWindowHint | Qt::BypassWindowManagerHint);
+}
+
+void FloatingPanel::setCornerRadius(int radius)
+{
+    if (m_cornerRadius == radius)
+        return;
+    m_cornerRadius = radius;
+    cutCorners();
+    Q_EMIT cornerRadiusChanged();
+}
+
+void FloatingPanel::resizeEvent(QResizeEvent* event)
+{
+    QQuickWindow::resizeEvent(event);
+    cutCorners();
+}
+
+/// On an X server without a compositor nothing shines through a window, so its shape is made to fit. With one the smooth edge stays
+/// inside.
+void FloatingPanel::cutCorners()
+{
+    if (QGuiApplication::platformName() != QLatin1String("xcb"))
+        return;
+    const int radius = std::min({ m_cornerRadius, width() / 2, height() / 2 });
+    if (radius <= 0)
+        return setMask(QRegion());
+    QRegion shape(0, radius, width(), height() - 2 * radius);
+    for (int row = 0; row < radius; ++row) {
+        // Half of the chord at the row's lower edge, where it is longest.
+        const double reach = std::sqrt(radius * radius - (radius - row - 1) * (radius - row - 1));
+        const int inset = radius - static_cast<int>(std::ceil(reach));
+        shape += QRect(inset, row, width() - 2 * inset, 1);
+        shape += QRect(inset, height() - 1 - row, width() - 2 * inset, 1);
+    }
+    setMask(shape);
+}
+
+} // namespace vantry

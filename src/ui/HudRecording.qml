@@ -1,0 +1,43 @@
+import QtQuick
+import QtQuick.Layouts
+import Vantry
+
+/// The clock, the layouts, and the ways to stop.
+RowLayout {
+    id: row
+
+    required property AppModel model
+    readonly property var corners: ["up-left", "up-right", "down-right", "down-left"]
+
+    spacing: 10
+
+    RecordingLight { }
+
+    Clock {
+        Layout.minimumWidth: 52
+        seconds: row.model.liveTime
+    }
+
+    LayoutSegments {
+        value: row.model.liveLayout
+        onChosen: value => row.model.setLayout(value)
+    }
+
+    IconButton {
+        icon.source: "qrc:/icons/arrow-" + row.corners[row.model.liveCorner] + ".svg"
+        Accessible.name: "Move camera bubble to the next corner"
+        Accessible.description: "Move the camera bubble (⌃⌥C)"
+        onClicked: row.model.nextCorner()
+    }
+
+    Item { Layout.fillWidth: true }
+
+    BackButtons { model: row.model }
+
+    StudioButton {
+        kind: StudioButton.Kind.Record
+        text: "Stop"
+        icon.source: "qrc:/icons/square.svg"
+        onClicked: row.model.stop(0)
+    }
+}

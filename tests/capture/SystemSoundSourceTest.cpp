@@ -1,0 +1,85 @@
+#include "capture/SystemSoundSource.h"
+
+#include "support/Ear.h"
+#include "support/MediaServer.h"
+#include "support/TonePlayer.h"
+
+#include <gmock/gmock.h>
+
+#include <mutex>
+
+namespace vantry {
+
+namespace {
+
+using namespace std::chrono_literals;
+using test::pumpUntil;
+using test::TonePlayer;
+
+class SystemSoundSourceTest : public test::EventLoopTest {
+protected:
+    SystemSoundSource::Handlers handlers()
+    {
+        return { .onSound = [this](const SoundSample& sample) { ear.hear(sample.sound.samples, sample.time); },
+            .onChange =
+                [this](const std::optional<AppError>& problem) {
+                    const std::lock_guard guard(m_mutex);
+                    m_changes.emplace_back(problem ? problem->what() : "again");
+                } };
+    }
+
+    std::vector<std::string> changes()
+    {
+        const std::lock_guard guard(m_mutex);
+        return m_changes;
+    }
+
+    test::Ear ear;
+    Worker queue{ "capture" };
+
+private:
+    std::mutex m_mutex;
+    std::vector<std::string> m_changes;
+};
+
+} // namespace
+
+TEST_F(SystemSoundSourceTest, isNotHeldUpByTheCaptureQueue)
+{
+    const SystemSoundSource source(queue, handlers());
+    const TonePlayer player(TonePlayer::Server::PipeWire, { 700 });
+    ASSERT_TRUE(pumpUntil([&] { return ear.latest(0, 700) > TonePlayer::amplitude * 0.9; }));
+    std::mutex busy;
+    std::unique_lock hold(busy);
+    queue.post([&] { const std::lock_guard wait(busy); });
+    const auto held = HostClock::now();
+    ASSERT_TRUE(pumpUntil([&] { return HostClock::now() > held + 500ms; }));
+    hold.unlock();
+    queue.sync([] {});
+    // What was taken meanwhile is there, stamped with its own time.
+    const auto pieces = ear.pieces();
+    const auto meanwhile = std::ranges::count_if(pieces, [&](const auto& piece) { return piece.taken > held; });
+    EXPECT_GE(meanwhile, 5);
+    EXPECT_THAT(changes(), testing::IsEmpty());
+}
+
+TEST_F(SystemSoundSourceTest, saysThatTheServerHasGoneAndComesBackWithIt)
+{
+    auto server = std::make_unique<test::MediaServer>();
+    const SystemSoundSource source(queue, handlers());
+    server->kill();
+    ASSERT_TRUE(pumpUntil([&] { return changes().size() == 1; }));
+    EXPECT_THAT(changes()[0], testing::StartsWith("Other programs' sound cannot be used: "));
+    server->start();
+    ASSERT_TRUE(pumpUntil([&] { return changes().size() == 2; }));
+    EXPECT_EQ(changes()[1], "again");
+}
+
+TEST_F(SystemSoundSourceTest, needsAServer)
+{
+    test::MediaServer server;
+    server.kill();
+    EXPECT_THROW(SystemSoundSource(queue, handlers()), AppError);
+}
+
+} // namespace vantry

@@ -1,0 +1,224 @@
+#include "platform/SystemSound.h"
+
+#include "platform/PipeWireLoop.h"
+#include "support/Command.h"
+#include "support/Ear.h"
+#include "support/MediaServer.h"
+#include "support/PumpUntil.h"
+#include "support/TonePlayer.h"
+
+#include <pipewire/pipewire.h>
+#include <spa/param/audio/format-utils.h>
+
+#include <QProcess>
+
+#include <array>
+#include <atomic>
+#include <optional>
+#include <unistd.h>
+
+namespace vantry {
+
+namespace {
+
+using namespace std::chrono_literals;
+using test::Ear;
+using test::pumpUntil;
+using test::TonePlayer;
+using Server = TonePlayer::Server;
+
+constexpr double loud = TonePlayer::amplitude * 0.9;
+constexpr double inaudible = TonePlayer::amplitude / 100;
+
+SoundStream::Handlers handlersOf(Ear& ear)
+{
+    return { .onSound = [&ear](std::span<const float> samples, HostTime taken) { ear.hear(samples, taken); },
+        .onFailed = [](const AppError& error) { ADD_FAILURE() << error.what(); } };
+}
+
+/// This process plays a tone itself.
+class OwnTone {
+public:
+    OwnTone(PipeWireLoop& loop, double pitch);
+    ~OwnTone();
+
+private:
+    void process();
+
+    PipeWireLoop& m_loop;
+    const double m_step;
+    double m_phase = 0;
+    pw_stream* m_stream;
+    spa_hook m_hook{};
+};
+
+OwnTone::OwnTone(PipeWireLoop& loop, double pitch)
+    : m_loop(loop)
+    , m_step(2 * std::numbers::pi * pitch / 48000)
+{
+    static const pw_stream_events events = { .version = PW_VERSION_STREAM_EVENTS,
+        .process = [](void* self) { static_cast<OwnTone*>(self)->process(); } };
+    const std::lock_guard guard(loop);
+    m_stream = pw_stream_new(
+        loop.core(), "own tone", pw_properties_new(PW_KEY_MEDIA_TYPE, "Audio", PW_KEY_MEDIA_CATEGORY, "Playback", nullptr));
+    pw_stream_add_listener(m_stream, &m_hook, &events, this);
+    std::array<std::uint8_t, 1024> memory;
+    spa_pod_builder builder = SPA_POD_BUILDER_INIT(memory.data(), memory.size());
+    spa_audio_info_raw format{
+        .format = SPA_AUDIO_FORMAT_F32, .rate = 48000, .channels = 1, .position = { SPA_AUDIO_CHANNEL_MONO }
+    };
+    const spa_pod* parameters[] = { spa_format_audio_raw_build(&builder, SPA_PARAM_EnumFormat, &format) };
+    const auto flags = static_cast<pw_stream_flags>(PW_STREAM_FLAG_AUTOCONNECT | PW_STREAM_FLAG_MAP_BUFFERS);
+    pw_stream_connect(m_stream, PW_DIRECTION_OUTPUT, PW_ID_ANY, flags, parameters, 1);
+}
+
+OwnTone::~OwnTone()
+{
+    m_loop.invoke([this] { pw_stream_destroy(m_stream); });
+}
+
+void OwnTone::process()
+{
+    pw_buffer* buffer = pw_stream_dequeue_buffer(m_stream);
+    if (!buffer)
+        return;
+    spa_data& data = buffer->buffer->datas[0];
+    const auto most = data.maxsize / sizeof(float);
+    const auto count = buffer->requested ? std::min<std::uint64_t>(buffer->requested, most) : most;
+    for (std::uint64_t i = 0; i < count; ++i, m_phase += m_step)
+        static_cast<float*>(data.data)[i] = static_cast<float>(TonePlayer::amplitude * std::sin(m_phase));
+    *data.chunk = { .offset = 0, .size = static_cast<std::uint32_t>(count * sizeof(float)), .stride = sizeof(float) };
+    pw_stream_queue_buffer(m_stream, buffer);
+}
+
+/// A second output, the default one while it is there.
+class OtherSpeakers {
+public:
+    OtherSpeakers()
+    {
+        m_process.start(QStringLiteral("pw-loopback"),
+            { QStringLiteral("--capture-props=media.class=Audio/Sink node.name=other-speakers"),
+                QStringLiteral("--playback-props=node.autoconnect=false") });
+        if (!pumpUntil([] { return test::runCommand("pw-cli ls Node").find("\"other-speakers\"") != std::string::npos; }))
+            throw std::runtime_error("No other speakers");
+        setDefault("other-speakers");
+    }
+    ~OtherSpeakers()
+    {
+        m_process.kill();
+        m_process.waitForFinished();
+        setDefault("test-sink");
+    }
+
+private:
+    static void setDefault(const std::string& name)
+    {
+        test::runCommand("pw-metadata 0 default.configured.audio.sink '{ \"name\": \"" + name + "\" }'");
+    }
+
+    QProcess m_process;
+};
+
+class SystemSoundTest : public test::EventLoopTest {
+protected:
+    PipeWireLoop loop{ "test.sound" };
+    Ear ear;
+};
+
+} // namespace
+
+TEST_F(SystemSoundTest, hearsSilenceWithoutHolesWhileNobodyPlays)
+{
+    const auto start = HostClock::now();
+    const SystemSound sound(loop, handlersOf(ear));
+    ASSERT_TRUE(pumpUntil([&] { return ear.heard() > 2s; }));
+    const auto pieces = ear.pieces();
+    // Silence of that length takes that long. A busy machine may miss a cycle; the stamps would say so.
+    EXPECT_NEAR(seconds(pieces.back().taken - pieces.front().taken), seconds(ear.heard() - pieces.back().length()), 0.3);
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+        EXPECT_EQ(std::ranges::count(pieces[i].samples, 0), pieces[i].samples.size());
+        EXPECT_LT(pieces[i].taken, pieces[i].arrived);
+        const auto earliest = i > 0 ? pieces[i - 1].taken + pieces[i - 1].length() - 2ms : start - 50ms;
+        EXPECT_GT(pieces[i].taken, earliest);
+    }
+    EXPECT_LT(ear.shortestDelay(), 10ms);
+}
+
+TEST_F(SystemSoundTest, hearsProgramsThatBeginAndEndMeanwhile)
+{
+    const SystemSound sound(loop, handlersOf(ear));
+    std::optional<TonePlayer> stereo;
+    stereo.emplace(Server::PipeWire, std::vector<double>{ 700, 1100 });
+    ASSERT_TRUE(pumpUntil([&] { return ear.latest(0, 700) > loud && ear.latest(1, 1100) > loud; }));
+    EXPECT_LT(ear.latest(0, 1100), inaudible);
+    EXPECT_LT(ear.latest(1, 700), inaudible);
+
+    const TonePlayer mono(Server::Pulse, { 500 });
+    EXPECT_TRUE(pumpUntil([&] { return ear.latest(0, 500) > loud && ear.latest(1, 500) > loud; }));
+    EXPECT_TRUE(pumpUntil([&] { return ear.latest(0, 700) > loud; })) << "both at once";
+    stereo.reset();
+    EXPECT_TRUE(pumpUntil([&] { return ear.latest(0, 700) < inaudible && ear.latest(1, 1100) < inaudible; }));
+    EXPECT_TRUE(pumpUntil([&] { return ear.latest(0, 500) > loud; }));
+    EXPECT_LT(ear.shortestDelay(), 10ms);
+}
+
+TEST_F(SystemSoundTest, hearsEveryChannelOnItsSide)
+{
+    const SystemSound sound(loop, handlersOf(ear));
+    // In the order of the file's format: left, right, centre, deep effects, behind left and right.
+    const TonePlayer surround(Server::PipeWire, { 400, 500, 600, 200, 800, 900 });
+    ASSERT_TRUE(pumpUntil([&] { return ear.latest(0, 400) > loud && ear.latest(0, 600) > loud && ear.latest(0, 800) > loud; }));
+    EXPECT_TRUE(pumpUntil([&] { return ear.latest(1, 500) > loud && ear.latest(1, 600) > loud && ear.latest(1, 900) > loud; }));
+    EXPECT_LT(ear.latest(0, 500) + ear.latest(0, 900) + ear.latest(0, 200), inaudible);
+    EXPECT_LT(ear.latest(1, 400) + ear.latest(1, 800) + ear.latest(1, 200), inaudible);
+}
+
+TEST_F(SystemSoundTest, doesNotHearThisProcess)
+{
+    Ear speakers;
+    const SoundStream atTheSpeakers(loop,
+        { .what = "It", .name = "test", .channels = 2, .properties = { { PW_KEY_STREAM_CAPTURE_SINK, "true" } } },
+        handlersOf(speakers));
+    const SystemSound sound(loop, handlersOf(ear));
+    const OwnTone own(loop, 1500);
+    // As a library in this process would play through the Pulse server.
+    setenv("PULSE_PROP", ("application.process.id=" + std::to_string(getpid())).c_str(), 1);
+    const TonePlayer ownByPulse(Server::Pulse, { 2100 });
+    unsetenv("PULSE_PROP");
+    const TonePlayer other(Server::Pulse, { 700, 700 });
+    ASSERT_TRUE(pumpUntil([&] { return speakers.latest(0, 1500) > loud && speakers.latest(0, 2100) > loud; }));
+    ASSERT_TRUE(pumpUntil([&] { return ear.latest(0, 700) > loud; }));
+    EXPECT_LT(ear.latest(0, 2100), inaudible);
+    EXPECT_LT(ear.latest(0, 1500), inaudible);
+    EXPECT_LT(ear.latest(1, 1500), inaudible);
+}
+
+TEST_F(SystemSoundTest, hearsProgramsWhateverTheDefaultOutputIs)
+{
+    const SystemSound sound(loop, handlersOf(ear));
+    const TonePlayer first(Server::Pulse, { 700 });
+    ASSERT_TRUE(pumpUntil([&] { return ear.latest(0, 700) > loud; }));
+    {
+        const OtherSpeakers other;
+        const TonePlayer second(Server::PipeWire, { 1100 });
+        EXPECT_TRUE(pumpUntil([&] { return ear.latest(0, 1100) > loud; }));
+        EXPECT_TRUE(pumpUntil([&] { return ear.latest(0, 700) > loud; }));
+    }
+    EXPECT_TRUE(pumpUntil([&] { return ear.latest(0, 1100) < inaudible && ear.latest(0, 700) > loud; }));
+}
+
+TEST_F(SystemSoundTest, saysOnceThatTheServerHasGone)
+{
+    test::MediaServer server;
+    PipeWireLoop connection("test.sound");
+    std::atomic<int> failures = 0;
+    const SystemSound sound(
+        connection, { .onSound = [](std::span<const float>, HostTime) {}, .onFailed = [&](const AppError&) { ++failures; } });
+    ASSERT_TRUE(connection.awaitServer());
+    server.kill();
+    EXPECT_TRUE(pumpUntil([&] { return failures > 0; }));
+    EXPECT_FALSE(connection.awaitServer());
+    EXPECT_EQ(failures, 1);
+}
+
+} // namespace vantry

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "support/PumpUntil.h"
+#include "support/TemporaryFolder.h"
+
+#include <QProcess>
+
+#include <cstdlib>
+#include <stdexcept>
+
+namespace vantry::test {
+
+/// A media server of the test's own beside the desktop's, without any device: connections that are made while it exists go to it.
+/// Wants an event loop.
+class MediaServer {
+public:
+    MediaServer()
+    {
+        setenv(variable, m_folder.path().c_str(), 1);
+        start();
+    }
+    ~MediaServer()
+    {
+        kill();
+        unsetenv(variable);
+    }
+
+    void start()
+    {
+        m_process.start(QStringLiteral("pipewire"), QStringList());
+        if (!pumpUntil([this] { return std::filesystem::exists(m_folder.path() / "pipewire-0"); }))
+            throw std::runtime_error("No media server of our own");
+    }
+
+    void kill()
+    {
+        m_process.kill();
+        m_process.waitForFinished();
+        std::filesystem::remove(m_folder.path() / "pipewire-0");
+    }
+
+private:
+    static constexpr const char* variable = "PIPEWIRE_RUNTIME_DIR";
+
+    TemporaryFolder m_folder;
+    QProcess m_process;
+};
+
+} // namespace vantry::test

@@ -1,0 +1,216 @@
+#include "project/ProjectFile.h"
+#include "support/Command.h"
+#include "support/TemporaryFolder.h"
+#include "support/TestDesktop.h"
+#include "support/XServer.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+
+namespace vantry {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+using test::runCommand;
+
+namespace {
+
+constexpr std::uint32_t green = 0x2E7D32, hudColour = 0x181C24;
+constexpr PixelRect hud{ 260, 12, 760, 64 };
+
+/// The program itself with its windows, a window manager, and another program that fills the screen.
+class PanelsTest : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(
+            holdsSoon([] { return runCommand("xprop -root _NET_SUPPORTING_WM_CHECK").find("window id") != std::string::npos; }));
+        m_other = openFullScreen(green);
+        // Without a media server, so without a camera.
+        const std::string environment = "HOME='" + m_home.path().string() + "' XDG_CONFIG_HOME='" + (m_home / "config").string()
+            + "' PIPEWIRE_REMOTE=none LC_ALL=C.UTF-8 QT_QPA_PLATFORM=xcb QT_QUICK_BACKEND=software ";
+        m_program = std::make_unique<test::Program>(std::vector<std::string>{
+            "sh", "-c", "exec env " + environment + VANTRY_PROGRAM + " >'" + (m_home / "log").string() + "' 2>&1" });
+        ASSERT_TRUE(holdsSoon([&] { return isSeen("^Vantry$"); }));
+        m_desktop.movePointer(1200, 700);
+    }
+
+    template <typename Condition>
+    static bool holdsSoon(Condition condition)
+    {
+        const auto deadline = std::chrono::steady_clock::now() + 20s;
+        while (!condition()) {
+            if (std::chrono::steady_clock::now() > deadline)
+                return false;
+            std::this_thread::sleep_for(10ms);
+        }
+        return true;
+    }
+
+    /// A window that fills the screen, as a player's or a presentation's does. What the screen shows in its middle is that window.
+    xcb_window_t openFullScreen(std::uint32_t colour)
+    {
+        const auto window = m_desktop.open({ .place = { 100, 100, 300, 200 }, .colour = colour, .managed = true });
+        // The window manager does not hear it before it knows the window.
+        EXPECT_TRUE(holdsSoon([&] {
+            askForFullScreen(window);
+            return colourAt(5, 715) == colour && colourAt(640, 360) == colour;
+        }));
+        return window;
+    }
+
+    void askForFullScreen(xcb_window_t window)
+    {
+        const auto& connection = m_desktop.connection();
+        xcb_client_message_event_t message{};
+        message.response_type = XCB_CLIENT_MESSAGE;
+        message.format = 32;
+        message.window = window;
+        message.type = connection.atom("_NET_WM_STATE");
+        message.data.data32[0] = 1; // add
+        message.data.data32[1] = connection.atom("_NET_WM_STATE_FULLSCREEN");
+        xcb_send_event(connection, 0, connection.root(), XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+            reinterpret_cast<const char*>(&message));
+        m_desktop.finish();
+    }
+
+    void focus(xcb_window_t window)
+    {
+        runCommand("xdotool windowfocus --sync " + std::to_string(window));
+        ASSERT_TRUE(holdsSoon([&] { return focused() == window; }));
+    }
+
+    xcb_window_t focused()
+    {
+        const auto& connection = m_desktop.connection();
+        return connection.receive(xcb_get_input_focus_reply, xcb_get_input_focus(connection))->focus;
+    }
+
+    static bool isSeen(const std::string& title)
+    {
+        return !runCommand("xdotool search --onlyvisible --name '" + title + "' || true").empty();
+    }
+
+    /// On the screen, as xdotool says it.
+    static PixelRect placeOf(const std::string& title)
+    {
+        PixelRect place{};
+        const std::string text =
+            runCommand("xdotool search --onlyvisible --name '" + title + "' getwindowgeometry --shell || true");
+        std::sscanf(text.c_str(), "WINDOW=%*d\nX=%d\nY=%d\nWIDTH=%d\nHEIGHT=%d", &place.x, &place.y, &place.width, &place.height);
+        return place;
+    }
+
+    std::uint32_t colourAt(int x, int y) { return m_desktop.pixels({ x, y, 1, 1 }).at(0); }
+    bool hudIsOnTop() { return colourAt(hud.x + 470, hud.y + 6) == hudColour; }
+
+    /// `x` from the panel's left edge, in its middle.
+    static void click(int x)
+    {
+        runCommand("xdotool mousemove " + std::to_string(hud.x + x) + " " + std::to_string(hud.y + hud.height / 2) + " click 1");
+    }
+
+    void startRecording()
+    {
+        // How soon the program listens to keys is seen by what one of them does.
+        ASSERT_TRUE(holdsSoon([this] {
+            runCommand("xdotool key ctrl+alt+1");
+            return fs::exists(m_home / "config/vantry/settings.ini");
+        }));
+        runCommand("xdotool key ctrl+alt+r");
+        ASSERT_TRUE(holdsSoon([this] { return isSeen("Vantry controls") && !clip().empty(); }));
+    }
+
+    fs::path clip() const { return fileWith(".mov"); }
+    Project project() const
+    {
+        const fs::path file = fileWith(".json");
+        return file.empty() ? Project() : loadProject(file.parent_path());
+    }
+
+    fs::path fileWith(const std::string& extension) const
+    {
+        if (fs::exists(m_home / "Videos/Vantry"))
+            for (const auto& entry : fs::recursive_directory_iterator(m_home / "Videos/Vantry"))
+                if (entry.path().extension() == extension)
+                    return entry.path();
+        return {};
+    }
+
+    const test::TemporaryFolder m_home;
+    const test::XServer m_screen{ 1280, 720 };
+    const test::Program m_windowManager{ { "openbox", "--sm-disable" } };
+    test::TestDesktop m_desktop;
+    xcb_window_t m_other = XCB_NONE;
+    std::unique_ptr<test::Program> m_program;
+};
+
+} // namespace
+
+TEST_F(PanelsTest, floatAboveFullScreenWindowsAndLeaveThemTheKeyboard)
+{
+    focus(m_other);
+    startRecording();
+    EXPECT_FALSE(isSeen("^Vantry$")) << "the main window is hidden";
+    EXPECT_FALSE(isSeen("Vantry camera")) << "there is no camera";
+    EXPECT_EQ(placeOf("Vantry controls"), hud);
+    EXPECT_TRUE(holdsSoon([&] { return hudIsOnTop(); }));
+    EXPECT_EQ(colourAt(hud.x, hud.y), green) << "its corners are round";
+    EXPECT_EQ(focused(), m_other);
+
+    runCommand("xdotool set_desktop 1");
+    EXPECT_TRUE(holdsSoon([&] { return colourAt(640, 400) != green; })) << "another desktop";
+    EXPECT_TRUE(hudIsOnTop());
+    runCommand("xdotool set_desktop 0");
+    ASSERT_TRUE(holdsSoon([&] { return colourAt(640, 400) == green; }));
+
+    // One that comes later lies below it too.
+    const auto later = openFullScreen(0x7D2E32);
+    EXPECT_TRUE(holdsSoon([&] { return hudIsOnTop(); }));
+    focus(later);
+
+    click(350);
+    EXPECT_TRUE(holdsSoon([&] { return !project().layouts.empty() && project().layouts.back().layout == Layout::screen; }));
+    EXPECT_EQ(focused(), later);
+
+    click(hud.width - 50);
+    EXPECT_TRUE(holdsSoon([&] { return project().clips.size() == 1; }));
+    EXPECT_TRUE(holdsSoon([&] { return isSeen("^Vantry$") && !isSeen("Vantry controls"); }));
+    EXPECT_TRUE(holdsSoon([&] { return focused() != later; })) << "the window came back to be used";
+}
+
+TEST_F(PanelsTest, areDraggedByTheirBackground)
+{
+    startRecording();
+    runCommand("xdotool mousemove 730 44 mousedown 1 mousemove 760 74 mousemove 830 244 mouseup 1");
+    EXPECT_TRUE(holdsSoon([&] { return placeOf("Vantry controls") == PixelRect{ 360, 212, 760, 64 }; }));
+    // The next time it is back in its place.
+    runCommand("xdotool key ctrl+alt+r");
+    ASSERT_TRUE(holdsSoon([&] { return !isSeen("Vantry controls"); }));
+    runCommand("xdotool key ctrl+alt+r");
+    EXPECT_TRUE(holdsSoon([&] { return placeOf("Vantry controls") == hud; }));
+    click(hud.width - 60);
+    EXPECT_TRUE(holdsSoon([&] { return isSeen("^Vantry$"); })) << "cancelled";
+    EXPECT_EQ(project().clips.size(), 1);
+}
+
+TEST_F(PanelsTest, areNoPartOfTheRecording)
+{
+    startRecording();
+    ASSERT_TRUE(holdsSoon([&] { return hudIsOnTop(); }));
+    // Something changes, or the clip would have one picture only.
+    m_desktop.fill(m_other, { 0, 600, 50, 50 }, 0xFFFFFF);
+    runCommand("xdotool mousemove 730 700 sleep 0.5 key ctrl+alt+r");
+    ASSERT_TRUE(holdsSoon([&] { return project().clips.size() == 1; }));
+    const std::string luma =
+        runCommand("ffmpeg -v error -i '" + clip().string() + "' -vf crop=764:68:258:10 -f rawvideo -pix_fmt gray -");
+    EXPECT_GE(luma.size(), 2 * 764 * 68);
+    const auto [darkest, lightest] = std::ranges::minmax(luma, {}, [](char value) { return static_cast<unsigned char>(value); });
+    EXPECT_NEAR(static_cast<unsigned char>(darkest), 0.2126 * 0x2E + 0.7152 * 0x7D + 0.0722 * 0x32, 8);
+    EXPECT_NEAR(static_cast<unsigned char>(lightest), static_cast<unsigned char>(darkest), 6);
+}
+
+} // namespace vantry
