@@ -3,6 +3,7 @@
 #include "platform/PipeWireLoop.h"
 #include "platform/SystemSound.h"
 
+#include <algorithm>
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
@@ -21,6 +22,13 @@ namespace {
 constexpr int mostWaitingPieces = 256;
 
 constexpr auto retryInterval = 1s;
+
+/// The server hands a cycle over when it begins. The first program that plays after a while brings another output and with it a
+/// cycle of its own, in the midst of the one before: silence must not have taken its place already, so silence comes a cycle late.
+bool isSilent(const Sound& sound)
+{
+    return std::ranges::all_of(sound.samples, [](float sample) { return sample == 0; });
+}
 
 } // namespace
 
@@ -142,11 +150,13 @@ void SystemSoundSource::Impl::hand(std::span<const float> samples, HostTime take
     if (m_waitingPieces >= mostWaitingPieces)
         return;
     ++m_waitingPieces;
-    m_captureQueue.post(
-        [this, sample = SoundSample{ { SystemSound::channels, { samples.begin(), samples.end() } }, taken }]() mutable {
-            m_handlers.onSound(std::move(sample));
-            --m_waitingPieces;
-        });
+    SoundSample sample{ { SystemSound::channels, { samples.begin(), samples.end() } }, taken };
+    if (isSilent(sample.sound))
+        sample.time -= std::chrono::round<HostDuration>(sample.sound.length());
+    m_captureQueue.post([this, sample = std::move(sample)]() mutable {
+        m_handlers.onSound(std::move(sample));
+        --m_waitingPieces;
+    });
 }
 
 void SystemSoundSource::Impl::report(const std::optional<AppError>& problem)

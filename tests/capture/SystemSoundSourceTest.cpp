@@ -1,5 +1,6 @@
 #include "capture/SystemSoundSource.h"
 
+#include "capture/SoundPlacement.h"
 #include "support/Ear.h"
 #include "support/MediaServer.h"
 #include "support/TonePlayer.h"
@@ -61,6 +62,26 @@ TEST_F(SystemSoundSourceTest, isNotHeldUpByTheCaptureQueue)
     const auto meanwhile = std::ranges::count_if(pieces, [&](const auto& piece) { return piece.taken > held; });
     EXPECT_GE(meanwhile, 5);
     EXPECT_THAT(changes(), testing::IsEmpty());
+}
+
+TEST_F(SystemSoundSourceTest, losesNothingOfASoundThatBreaksALongSilence)
+{
+    const SystemSoundSource source(queue, handlers());
+    ASSERT_TRUE(pumpUntil([&] { return ear.heard() > 500ms; }));
+    const TonePlayer player(TonePlayer::Server::PipeWire, { 700 });
+    ASSERT_TRUE(pumpUntil([&] { return ear.latest(0, 700) > TonePlayer::amplitude * 0.9 && ear.heard() > 1500ms; }));
+    const auto pieces = ear.pieces();
+    SoundPlacement placement(2);
+    std::vector<float> left;
+    for (const auto& piece : pieces)
+        placement.place({ 2, piece.samples }, piece.taken - pieces.front().taken, [&](const Sound& placed) {
+            for (std::size_t i = 0; i < placed.samples.size(); i += 2)
+                left.push_back(placed.samples[i]);
+        });
+    const auto first = std::ranges::find_if(left, [](float sample) { return sample != 0; });
+    ASSERT_GT(left.end() - first, 2000);
+    for (int i = 0; i < 2000; ++i)
+        ASSERT_NEAR(first[i], TonePlayer::amplitude * std::sin(2 * std::numbers::pi * 700 * (i + 1) / sampleRate), 0.001) << i;
 }
 
 TEST_F(SystemSoundSourceTest, saysThatTheServerHasGoneAndComesBackWithIt)
