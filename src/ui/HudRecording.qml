@@ -11,7 +11,7 @@ RowLayout {
 
     spacing: 10
 
-    RecordingLight { }
+    RecordingLight { seconds: row.model.liveTime }
 
     Clock {
         Layout.minimumWidth: 52

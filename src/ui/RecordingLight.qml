@@ -1,15 +1,12 @@
 import QtQuick
 
-/// Says that a clip is being recorded.
+/// Says that a clip is being recorded: it blinks with the clock. Anything smoother would paint all the time and take from the recording.
 Rectangle {
+    required property double seconds
+
     implicitWidth: 10
     implicitHeight: 10
     radius: 5
     color: Theme.recording
-
-    SequentialAnimation on opacity {
-        loops: Animation.Infinite
-        NumberAnimation { to: 0.35; duration: 700; easing.type: Easing.InOutQuad }
-        NumberAnimation { to: 1; duration: 700; easing.type: Easing.InOutQuad }
-    }
+    opacity: Math.floor(seconds) % 2 === 0 ? 1 : 0.4
 }
