@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/AppModel.h"
+#include "model/FieldBinding.h"
 
 #include <QtQml/qqml.h>
 
@@ -20,6 +21,13 @@ struct SettingsType {
     QML_FOREIGN(vantry::Settings)
     QML_NAMED_ELEMENT(Settings)
     QML_UNCREATABLE("They belong to the model.")
+};
+
+struct FieldBindingType {
+    Q_GADGET
+    QML_FOREIGN(vantry::FieldBinding)
+    QML_NAMED_ELEMENT(FieldBinding)
+    QML_UNCREATABLE("The model makes them.")
 };
 
 namespace PhaseType {
