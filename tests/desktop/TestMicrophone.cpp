@@ -50,8 +50,10 @@ TestMicrophone::TestMicrophone(const char* name, const char* description, bool h
             },
         .process = [](void* self) { static_cast<TestMicrophone*>(self)->process(); },
     };
-    auto* properties = pw_properties_new(
-        PW_KEY_MEDIA_CLASS, "Audio/Source", PW_KEY_NODE_NAME, name, PW_KEY_NODE_DESCRIPTION, description, nullptr);
+    // A real microphone has a clock of its own. This one has the server's; otherwise it would take that of a camera that is looked
+    // through, and bring a cycle of sound with each of its frames.
+    auto* properties = pw_properties_new(PW_KEY_MEDIA_CLASS, "Audio/Source", PW_KEY_NODE_GROUP, "pipewire.dummy", PW_KEY_NODE_NAME,
+        name, PW_KEY_NODE_DESCRIPTION, description, nullptr);
     m_stream.reset(pw_stream_new_simple(m_loop.loop(), name, properties, &events, this));
 
     std::array<std::byte, 1024> buffer;
