@@ -31,6 +31,15 @@ Recorder::~Recorder()
     });
 }
 
+void Recorder::setOnStatus(StatusHandler handler)
+{
+    m_onStatus = handler;
+    m_session.setOnStatus([this, handler](const std::string& text) {
+        if (handler)
+            m_captureQueue.post([handler, text] { handler(QString::fromStdString(text)); });
+    });
+}
+
 QFuture<void> Recorder::startScreen(const Display& display)
 {
     return inBackground(m_screenQueue, [this, display, systemAudio = m_captureSystemAudio] {
@@ -110,8 +119,7 @@ void Recorder::onFrame(const ScreenFrame& frame)
 {
     m_latestScreen = frame;
     resumeFirstFrame();
-    if (m_writer)
-        m_writer->append(PictureSample { frame.picture, frame.time }, TrackKind::screen);
+    append(frame, TrackKind::screen);
 }
 
 void Recorder::resumeFirstFrame()
@@ -124,9 +132,12 @@ void Recorder::resumeFirstFrame()
 
 void Recorder::beginClip(const std::filesystem::path& file)
 {
+    ClipTracks tracks { .screen = {}, .camera = m_session.cameraSize(), .audio = m_session.hasMic() };
     m_captureQueue.sync([&] {
         const HostTime start = HostClock::now();
-        auto writer = std::make_unique<ClipWriter>(file, ClipTracks { .screen = m_screenSize, .system = m_systemAudio }, start);
+        tracks.screen = m_screenSize;
+        tracks.system = m_systemAudio;
+        auto writer = std::make_unique<ClipWriter>(file, tracks, start);
         // A still screen sends nothing, and yet every clip begins with a picture.
         if (m_latestScreen)
             writer->append(PictureSample { m_latestScreen->picture, start }, TrackKind::screen);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Worker.h"
+#include "capture/CaptureSession.h"
 #include "capture/ClipWriter.h"
 #include "capture/ScreenStream.h"
 #include "capture/SystemSoundSource.h"
@@ -17,8 +18,8 @@
 
 namespace vantry {
 
-/// The one capture engine: owns the screen stream, the writer of the clip in progress and the latest frame of the screen, and hands
-/// every sample to the writer. Its operations are called on the main thread; those that take long give a future. Destroying it in the
+/// The one capture engine: owns the camera and the microphone, the screen stream, the writer of the clip in progress and the latest
+/// frame of the screen, and hands every sample to the writer. Its operations are called on the main thread; those that take long give a future. Destroying it in the
 /// middle of a clip finishes the clip's file.
 class Recorder {
 public:
@@ -31,8 +32,9 @@ public:
     /// Called on the capture queue when the screen stream ended by itself. To be set before the first start.
     void setOnStreamError(StreamErrorHandler handler) { m_onStreamError = std::move(handler); }
 
-    /// Called on the capture queue with what the user should know of other programs' sound. To be set before the first start.
-    void setOnStatus(StatusHandler handler) { m_onStatus = std::move(handler); }
+    /// Called on the capture queue with what the user should know of camera, microphone and other programs' sound. To be set before
+    /// the first start.
+    void setOnStatus(StatusHandler handler);
 
     /// Whether the next screen stream comes with other programs' sound; a running one stays as it is.
     void setCaptureSystemAudio(bool captured) { m_captureSystemAudio = captured; }
@@ -54,8 +56,12 @@ public:
     /// Seconds since the clip's start; 0 without a clip.
     double elapsed();
 
-    /// Whether clips have a camera track.
-    bool hasCamera() const { return false; }
+    /// Camera and microphone: which there are, which are used, what they see and hear. A clip has their tracks when they were there
+    /// at its start or before.
+    CaptureSession& session() { return m_session; }
+
+    /// A camera was chosen.
+    bool hasCamera() const { return m_session.hasCamera(); }
 
 private:
     void openStream(const Display& display);
@@ -63,6 +69,12 @@ private:
     void onSystemSound(const std::optional<AppError>& problem);
     void awaitFirstFrame();
     void onFrame(const ScreenFrame& frame);
+    template<typename Sample>
+    void append(const Sample& sample, TrackKind kind)
+    {
+        if (m_writer)
+            m_writer->append(sample, kind);
+    }
     void resumeFirstFrame();
     void onFinished(const ClipOutcome& outcome);
 
@@ -86,6 +98,12 @@ private:
     // The screen's jobs wait for the capture queue, never the other way round.
     Worker m_captureQueue { "vantry.capture" };
     Worker m_screenQueue { "vantry.screen" };
+
+    CaptureSession m_session { m_captureQueue,
+        {
+            .onPicture = [this](const PictureSample& sample) { append(sample, TrackKind::camera); },
+            .onSound = [this](const SoundSample& sample) { append(sample, TrackKind::audio); },
+        } };
 };
 
 } // namespace vantry

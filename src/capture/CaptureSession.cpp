@@ -1,0 +1,273 @@
+#include "capture/CaptureSession.h"
+
+#include "capture/CameraPictures.h"
+#include "platform/CameraStream.h"
+#include "platform/MicrophoneStream.h"
+
+namespace vantry {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr int mostWaitingPictures = 4;
+constexpr HostDuration longestModeWait = 1s;
+constexpr HostDuration reconnectWait = 1s;
+constexpr PictureSize fullHd{ 1920, 1080 };
+
+/// Frames stop coming before the pictures that wait are dropped.
+struct OpenCamera {
+    OpenCamera(PipeWireLoop& loop, const std::string& id, CameraPictures::Handler onPicture, CameraStream::Handlers handlers)
+        : pictures(std::move(onPicture))
+        , stream(loop, id, withFrames(std::move(handlers)))
+    {
+    }
+
+    CameraStream::Handlers withFrames(CameraStream::Handlers handlers)
+    {
+        handlers.onFrame = [this](const CameraFrame& frame) { pictures.take(frame); };
+        return handlers;
+    }
+
+    CameraPictures pictures;
+    CameraStream stream;
+};
+
+} // namespace
+
+CaptureSession::CaptureSession(Worker& captureQueue, Sinks sinks)
+    : m_captureQueue(captureQueue)
+    , m_sinks(std::move(sinks))
+    , m_camera({
+          .open = [this](const MediaDevice& device, std::uint64_t number) { return openCamera(device, number); },
+          .tell = [this](const std::string& text) { tell(text); },
+          .retryIn = [this](HostDuration delay) { m_reminder.remindIn(delay); },
+      })
+    , m_microphone({
+          .open = [this](const MediaDevice& device, std::uint64_t number) { return openMicrophone(device, number); },
+          .tell = [this](const std::string& text) { tell(text); },
+          .retryIn = [this](HostDuration delay) { m_reminder.remindIn(delay); },
+      })
+    , m_reminder([this] { m_sessionQueue.post([this] { connect(); }); })
+{
+}
+
+CaptureSession::~CaptureSession()
+{
+    m_reminder.stop();
+    m_sessionQueue.sync([this] {
+        m_isClosing = true;
+        m_onDevices = {};
+        m_onStatus = {};
+        m_isRunning = false;
+        update();
+        m_devices.reset();
+        m_loop.reset();
+    });
+    m_captureQueue.sync([] {}); // What the devices posted has run.
+}
+
+void CaptureSession::configure(const std::optional<std::string>& camera, const std::optional<std::string>& microphone)
+{
+    m_hasCamera = camera.has_value();
+    m_sessionQueue.post([this, camera, microphone] {
+        m_camera.want(camera);
+        m_microphone.want(microphone);
+        if (camera != m_wantedCamera)
+            setMode({});
+        m_wantedCamera = camera;
+        connect();
+    });
+}
+
+void CaptureSession::startCamera()
+{
+    m_sessionQueue.post([this] {
+        m_isRunning = true;
+        connect();
+    });
+}
+
+void CaptureSession::stopCamera()
+{
+    m_sessionQueue.post([this] {
+        m_isRunning = false;
+        update();
+    });
+}
+
+/// Also brings everything up to date.
+void CaptureSession::connect()
+{
+    if (m_isClosing)
+        return;
+    if (m_loop)
+        return update();
+    try {
+        m_loop = std::make_unique<PipeWireLoop>("vantry.media", [this](const AppError& error) {
+            m_sessionQueue.post([this, reason = std::string(error.what())] { disconnect(reason); });
+        });
+    } catch (const AppError& error) {
+        if (!std::exchange(m_hasToldOfServer, true))
+            tell(std::string(error.what()) + ". Camera and microphone cannot be used.");
+        return m_reminder.remindIn(reconnectWait);
+    }
+    m_hasToldOfServer = false;
+    m_devices = std::make_unique<MediaDevices>(*m_loop, [this](const MediaDeviceList&) {
+        m_sessionQueue.post([this] {
+            if (m_devices)
+                setDevices(m_devices->list());
+        });
+    });
+    setDevices(m_devices->list());
+}
+
+void CaptureSession::disconnect(const std::string& reason)
+{
+    if (m_isClosing)
+        return;
+    setDevices({});
+    m_devices.reset();
+    m_loop.reset();
+    tell(reason);
+    m_hasToldOfServer = true;
+    m_reminder.remindIn(reconnectWait);
+}
+
+void CaptureSession::setDevices(const MediaDeviceList& list)
+{
+    {
+        const std::lock_guard guard(m_mutex);
+        m_list = list;
+    }
+    if (m_onDevices)
+        m_onDevices(list);
+    update();
+}
+
+void CaptureSession::update()
+{
+    const auto list = devices();
+    m_camera.update(list.cameras, m_isRunning);
+    m_microphone.update(list.microphones, m_isRunning);
+    if (!m_camera.isOpen() && m_preview.latest())
+        m_preview.set({});
+    if (!m_microphone.isOpen())
+        m_meter.reset();
+}
+
+void CaptureSession::tell(const std::string& text)
+{
+    if (m_onStatus)
+        m_onStatus(text);
+}
+
+DeviceSlot::Stream CaptureSession::openCamera(const MediaDevice& device, std::uint64_t number)
+{
+    return std::make_shared<OpenCamera>(
+        *m_loop, device.id, [this](const PictureSample& sample) { onPicture(sample); },
+        CameraStream::Handlers{
+            .onFrame = {},
+            .onMode = [this](const CameraMode& mode) { setMode(mode); },
+            .onFailed =
+                [this, number](const AppError& error) {
+                    m_sessionQueue.post([this, number, error] {
+                        m_camera.fail(number, error);
+                        update();
+                    });
+                },
+        });
+}
+
+DeviceSlot::Stream CaptureSession::openMicrophone(const MediaDevice& device, std::uint64_t number)
+{
+    return std::make_shared<MicrophoneStream>(*m_loop, device.id,
+        MicrophoneStream::Handlers{
+            .onSound = [this](std::span<const float> samples, HostTime time) { onSound(samples, time); },
+            .onFailed =
+                [this, number](const AppError& error) {
+                    m_sessionQueue.post([this, number, error] {
+                        m_microphone.fail(number, error);
+                        update();
+                    });
+                },
+        });
+}
+
+void CaptureSession::setMode(const std::optional<CameraMode>& mode)
+{
+    {
+        const std::lock_guard guard(m_mutex);
+        m_mode = mode;
+    }
+    m_changed.notify_all();
+}
+
+std::optional<CameraMode> CaptureSession::awaitMode()
+{
+    std::unique_lock lock(m_mutex);
+    if (m_camera.isOpen())
+        m_changed.wait_for(lock, longestModeWait, [this] { return m_mode.has_value(); });
+    return m_mode;
+}
+
+std::optional<PictureSize> CaptureSession::cameraSize()
+{
+    return m_sessionQueue.sync([this]() -> std::optional<PictureSize> {
+        if (!m_camera.isTaken())
+            return std::nullopt;
+        const auto mode = awaitMode();
+        return mode ? PictureSize{ std::max(mode->width & ~1, 2), std::max(mode->height & ~1, 2) } : fullHd;
+    });
+}
+
+bool CaptureSession::hasMic()
+{
+    return m_sessionQueue.sync([this] { return m_microphone.isTaken(); });
+}
+
+/// On the camera's thread.
+void CaptureSession::onPicture(const PictureSample& sample)
+{
+    m_preview.set(sample);
+    if (m_waitingPictures >= mostWaitingPictures)
+        return;
+    ++m_waitingPictures;
+    m_captureQueue.post([this, sample] {
+        m_sinks.onPicture(sample);
+        --m_waitingPictures;
+    });
+}
+
+/// On the media library's thread.
+void CaptureSession::onSound(std::span<const float> samples, HostTime time)
+{
+    m_meter.add(samples);
+    m_captureQueue.post([this, sample = SoundSample{ { .channels = 1, .samples = { samples.begin(), samples.end() } }, time }] {
+        m_sinks.onSound(sample);
+    });
+}
+
+MediaDeviceList CaptureSession::devices() const
+{
+    const std::lock_guard guard(m_mutex);
+    return m_list;
+}
+
+void CaptureSession::setOnDevices(std::function<void(const MediaDeviceList&)> handler)
+{
+    m_sessionQueue.post([this, handler = std::move(handler)] {
+        const bool wasConnected = m_loop != nullptr;
+        m_onDevices = handler;
+        connect();
+        if (m_onDevices && wasConnected)
+            m_onDevices(devices());
+    });
+}
+
+void CaptureSession::setOnStatus(std::function<void(const std::string&)> handler)
+{
+    m_sessionQueue.post([this, handler = std::move(handler)] { m_onStatus = handler; });
+}
+
+} // namespace vantry

@@ -1,0 +1,113 @@
+#pragma once
+
+#include "base/Worker.h"
+#include "capture/CameraPreview.h"
+#include "capture/DeviceSlot.h"
+#include "capture/PowerMeter.h"
+#include "capture/Reminder.h"
+#include "capture/Sample.h"
+#include "media/PictureSize.h"
+#include "platform/CameraFrame.h"
+#include "platform/MediaDevices.h"
+#include "platform/PipeWireLoop.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <string>
+
+namespace vantry {
+
+/// The one camera and the one microphone: which devices there are, which of them are used, their pictures and sound. Operations may
+/// be called on any thread but the capture queue; those that have no result return at once and are done in their order on the
+/// session queue. Connects to the media server on first use, and again when that was lost.
+class CaptureSession {
+public:
+    /// Both are called on the capture queue and never after the session is destroyed. Camera pictures that come while others wait
+    /// there are discarded.
+    struct Sinks {
+        std::function<void(const PictureSample&)> onPicture;
+        std::function<void(const SoundSample&)> onSound;
+    };
+
+    /// The queue must outlive the session.
+    CaptureSession(Worker& captureQueue, Sinks sinks);
+    ~CaptureSession();
+
+    /// Chooses the devices by their identifiers. A device that is used already is not disturbed, one that is not there is left out
+    /// until it comes.
+    void configure(const std::optional<std::string>& camera, const std::optional<std::string>& microphone);
+
+    /// Opens the devices that were chosen, now and later.
+    void startCamera();
+    void stopCamera();
+
+    /// A camera was chosen.
+    bool hasCamera() const { return m_hasCamera; }
+
+    /// In pixels, even; nothing without a camera. Of one that is just being opened it waits for a moment, else it is full HD.
+    std::optional<PictureSize> cameraSize();
+    bool hasMic();
+
+    /// The average power in dBFS, -160 without a microphone.
+    float micPower() const { return m_meter.power(); }
+
+    CameraPreview& preview() { return m_preview; }
+
+    MediaDeviceList devices() const;
+
+    /// Called on the session queue: now and after every change.
+    void setOnDevices(std::function<void(const MediaDeviceList&)> handler);
+
+    /// Called on the session queue with what the user should know: a device is gone, or back, or cannot be used.
+    void setOnStatus(std::function<void(const std::string& text)> handler);
+
+private:
+    void connect();
+    void disconnect(const std::string& reason);
+    void setDevices(const MediaDeviceList& list);
+    void update();
+    void tell(const std::string& text);
+
+    DeviceSlot::Stream openCamera(const MediaDevice& device, std::uint64_t number);
+    DeviceSlot::Stream openMicrophone(const MediaDevice& device, std::uint64_t number);
+    void setMode(const std::optional<CameraMode>& mode);
+    std::optional<CameraMode> awaitMode();
+    void onPicture(const PictureSample& sample);
+    void onSound(std::span<const float> samples, HostTime time);
+
+    Worker& m_captureQueue;
+    const Sinks m_sinks;
+
+    // Safe to use from any thread.
+    std::atomic<bool> m_hasCamera = false;
+    std::atomic<int> m_waitingPictures = 0;
+    PowerMeter m_meter;
+    CameraPreview m_preview;
+
+    mutable std::mutex m_mutex;
+    std::condition_variable m_changed;
+
+    // Guarded by the mutex.
+    MediaDeviceList m_list;
+    std::optional<CameraMode> m_mode; ///< What the chosen camera delivers, or did when it was last there.
+
+    // Belong to the session queue.
+    std::function<void(const MediaDeviceList&)> m_onDevices;
+    std::function<void(const std::string&)> m_onStatus;
+    bool m_isRunning = false;
+    bool m_isClosing = false;
+    bool m_hasToldOfServer = false;
+    std::unique_ptr<PipeWireLoop> m_loop;
+    std::unique_ptr<MediaDevices> m_devices;
+    std::optional<std::string> m_wantedCamera;
+    DeviceSlot m_camera;
+    DeviceSlot m_microphone;
+
+    Worker m_sessionQueue{ "vantry.session" };
+    Reminder m_reminder; ///< Posts to the session queue.
+};
+
+} // namespace vantry

@@ -1,0 +1,91 @@
+#include "capture/DeviceSlot.h"
+
+#include <algorithm>
+
+namespace vantry {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+/// Just plugged in or given back, a device may be refused for a moment; the user is told when it lasts.
+constexpr int failuresOfAMoment = 4;
+constexpr HostDuration shortWait = 250ms;
+constexpr HostDuration longWait = 2s;
+
+/// A stream that lived this long had not failed to open.
+constexpr HostDuration soundLife = 5s;
+
+} // namespace
+
+void DeviceSlot::want(const std::optional<std::string>& id)
+{
+    if (id == m_wanted && (m_device || !id))
+        return;
+    close();
+    m_wanted = id;
+    m_device.reset();
+    m_presence = Presence::There;
+    m_failures = 0;
+    m_retryAt = {};
+}
+
+void DeviceSlot::update(const std::vector<MediaDevice>& there, bool shouldRun)
+{
+    const auto device = m_wanted ? std::ranges::find(there, *m_wanted, &MediaDevice::id) : there.end();
+    const bool isThere = device != there.end();
+    notePresence(isThere ? &*device : nullptr, shouldRun);
+    if (!isThere || !shouldRun)
+        return close();
+    if (!m_stream && HostClock::now() >= m_retryAt)
+        open();
+}
+
+void DeviceSlot::notePresence(const MediaDevice* device, bool shouldRun)
+{
+    const bool wasTaken = isTaken();
+    if (device)
+        m_device = *device;
+    const auto presence = device || !wasTaken ? Presence::There : Presence::Gone;
+    if (presence == m_presence)
+        return;
+    m_presence = presence;
+    m_failures = 0;
+    m_retryAt = {};
+    if (shouldRun)
+        m_actions.tell(m_device->name
+            + (presence == Presence::Gone ? " is gone. Everything else goes on, and so does it when it is back." : " is back."));
+}
+
+void DeviceSlot::open()
+{
+    const auto number = ++m_number;
+    m_opened = HostClock::now();
+    try {
+        m_stream = m_actions.open(*m_device, number);
+    } catch (const AppError& error) {
+        fail(number, error);
+    }
+}
+
+void DeviceSlot::close()
+{
+    m_stream.reset();
+    ++m_number;
+}
+
+void DeviceSlot::fail(std::uint64_t number, const AppError& error)
+{
+    if (number != m_number)
+        return;
+    close();
+    const auto now = HostClock::now();
+    m_failures = now - m_opened >= soundLife ? 1 : m_failures + 1;
+    if (m_failures == failuresOfAMoment)
+        m_actions.tell(m_device->name + ": " + error.what());
+    const auto wait = m_failures < failuresOfAMoment ? shortWait : longWait;
+    m_retryAt = now + wait;
+    m_actions.retryIn(wait);
+}
+
+} // namespace vantry

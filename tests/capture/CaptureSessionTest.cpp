@@ -1,0 +1,206 @@
+#include "capture/CaptureSession.h"
+
+#include "desktop/CameraPattern.h"
+#include "support/Collected.h"
+#include "support/DeviceProgram.h"
+#include "support/MediaServer.h"
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <cmath>
+#include <limits>
+
+namespace vantry {
+
+namespace {
+
+using test::DeviceProgram;
+using test::pumpUntil;
+using test::uniqueName;
+using testing::Contains;
+using testing::HasSubstr;
+using namespace std::chrono_literals;
+
+class CaptureSessionTest : public test::EventLoopTest {
+protected:
+    CaptureSessionTest()
+    {
+        session.setOnStatus([this](const std::string& text) { statuses.add(text); });
+        session.preview().setOnChange([this] { interruptions += !session.preview().latest(); });
+    }
+
+    bool awaitPictures(std::size_t more)
+    {
+        const auto wanted = pictures.count() + more;
+        return pumpUntil([&] { return pictures.count() >= wanted; });
+    }
+    bool awaitCamera(const std::string& name, bool isThere)
+    {
+        session.setOnDevices({}); // Connects.
+        return pumpUntil([&] { return session.devices().hasCamera(name) == isThere; });
+    }
+
+    test::Collected<PictureSample> pictures;
+    test::Collected<SoundSample> sounds;
+    test::Collected<std::string> statuses;
+    std::atomic<int> interruptions = 0; ///< How often the preview became empty.
+    Worker queue{ "vantry.capture" };
+    CaptureSession session{ queue,
+        { .onPicture = [this](const PictureSample& sample) { pictures.add(sample); },
+            .onSound = [this](const SoundSample& sample) { sounds.add(sample); } } };
+};
+
+/// The largest difference from the pattern's colours in the middle of the bars, inside the box's rows and outside.
+double differenceFrom(const CameraPattern& pattern, const Picture& picture)
+{
+    double worst = 0;
+    for (int y : { picture.height() / 4, picture.height() / 2 }) {
+        for (int i = 0; i < 32; ++i) {
+            const int x = (2 * i + 1) * picture.width() / 64;
+            const auto colour = pattern.at(x, y);
+            const double red = colour.red / 255.0, green = colour.green / 255.0, blue = colour.blue / 255.0;
+            const double luma = 0.2126 * red + 0.7152 * green + 0.0722 * blue;
+            const auto differ = [&](int plane, double expected) {
+                const int shift = plane == PlaneY ? 0 : 1;
+                worst = std::max(worst, std::abs(picture.plane(plane).row(y >> shift)[x >> shift] - expected));
+            };
+            differ(PlaneY, 16 + 219 * luma);
+            differ(PlaneCb, 128 + 224 * (blue - luma) / 1.8556);
+            differ(PlaneCr, 128 + 224 * (red - luma) / 1.5748);
+        }
+    }
+    return worst;
+}
+
+double differenceFromPattern(const Picture& picture)
+{
+    double least = std::numeric_limits<double>::max();
+    for (int phase = 0; phase < CameraPattern::period; ++phase)
+        least = std::min(least, differenceFrom(CameraPattern({ picture.width(), picture.height() }, phase), picture));
+    return least;
+}
+
+} // namespace
+
+TEST_F(CaptureSessionTest, everyFormatOfACameraBecomesTheSamePicture)
+{
+    for (const auto* format : { "YUY2", "NV12", "I420", "BGRx", "MJPG" }) {
+        const auto name = uniqueName("camera");
+        const DeviceProgram program("testcamera",
+            { QString::fromStdString(name), QStringLiteral("Camera"), QString::fromLatin1(format), QStringLiteral("960x540") });
+        ASSERT_TRUE(awaitCamera(name, true)) << format;
+        session.configure(name, {});
+        session.startCamera();
+        EXPECT_EQ(session.cameraSize(), (PictureSize{ 960, 540 })) << format;
+        pictures.clear();
+        ASSERT_TRUE(awaitPictures(10)) << format;
+        const auto seen = pictures.all();
+        for (std::size_t i = 0; i < seen.size(); ++i) {
+            ASSERT_EQ(seen[i].picture.width(), 960) << format;
+            EXPECT_LE(differenceFromPattern(seen[i].picture), format == std::string("MJPG") ? 16 : 2) << format << ' ' << i;
+            EXPECT_LT(HostClock::now() - seen[i].time, 10s) << format;
+            EXPECT_TRUE(i == 0 || seen[i].time > seen[i - 1].time) << format;
+        }
+    }
+}
+
+TEST_F(CaptureSessionTest, choosingTheSameDevicesAgainDisturbsNothing)
+{
+    session.configure("test-camera", "test-microphone");
+    session.startCamera();
+    ASSERT_TRUE(awaitPictures(5));
+    EXPECT_EQ(session.cameraSize(), (PictureSize{ 1920, 1080 }));
+    session.configure("test-camera", "test-microphone");
+    session.configure("test-camera", {});
+    EXPECT_FALSE(session.hasMic());
+    session.configure("test-camera", "test-microphone");
+    session.startCamera();
+    EXPECT_TRUE(session.hasMic());
+    EXPECT_TRUE(awaitPictures(5));
+    EXPECT_EQ(interruptions, 0);
+
+    session.stopCamera();
+    EXPECT_TRUE(session.hasCamera());
+    EXPECT_EQ(session.cameraSize(), (PictureSize{ 1920, 1080 }));
+    EXPECT_FALSE(session.preview().latest());
+    EXPECT_EQ(interruptions, 1);
+    EXPECT_THAT(statuses.all(), testing::IsEmpty());
+}
+
+TEST_F(CaptureSessionTest, measuresTheMicrophone)
+{
+    session.configure({}, "test-microphone");
+    EXPECT_EQ(session.micPower(), PowerMeter::silence);
+    session.startCamera();
+    // The test microphone hears a tone of a quarter of full scale.
+    EXPECT_TRUE(pumpUntil([&] { return std::abs(session.micPower() + 15.05F) < 0.3F; })) << session.micPower();
+    EXPECT_FALSE(session.hasCamera());
+    EXPECT_FALSE(session.cameraSize());
+    session.stopCamera();
+    EXPECT_TRUE(session.hasMic());
+    EXPECT_EQ(session.micPower(), PowerMeter::silence);
+}
+
+TEST_F(CaptureSessionTest, aDeviceThatIsNotThereIsLeftOut)
+{
+    session.configure("no-such-camera", "test-microphone");
+    session.startCamera();
+    EXPECT_FALSE(session.cameraSize());
+    EXPECT_TRUE(session.hasMic());
+    EXPECT_TRUE(pumpUntil([&] { return sounds.count() > 3; }));
+    EXPECT_EQ(pictures.count(), 0u);
+    EXPECT_THAT(statuses.all(), testing::IsEmpty());
+}
+
+TEST_F(CaptureSessionTest, goesOnWithACameraThatWasAway)
+{
+    const auto name = uniqueName("camera");
+    const QStringList arguments{ QString::fromStdString(name), QStringLiteral("Desk camera") };
+    std::optional<DeviceProgram> program(std::in_place, "testcamera", arguments);
+    ASSERT_TRUE(awaitCamera(name, true));
+    session.configure(name, "test-microphone");
+    session.startCamera();
+    ASSERT_TRUE(awaitPictures(3));
+
+    program.reset();
+    EXPECT_TRUE(pumpUntil([&] { return statuses.count() == 1; }));
+    EXPECT_THAT(statuses.all(), Contains(HasSubstr("Desk camera is gone")));
+    EXPECT_TRUE(pumpUntil([&] { return !session.preview().latest(); }));
+    // A clip that begins now still has room for it, and the microphone did not notice.
+    EXPECT_EQ(session.cameraSize(), (PictureSize{ 1920, 1080 }));
+    const auto heard = sounds.count();
+    EXPECT_TRUE(pumpUntil([&] { return sounds.count() > heard + 3; }));
+
+    program.emplace("testcamera", arguments);
+    EXPECT_TRUE(awaitPictures(3));
+    EXPECT_THAT(statuses.all(), Contains("Desk camera is back."));
+    EXPECT_TRUE(session.preview().latest());
+}
+
+TEST_F(CaptureSessionTest, findsTheMediaServerWhenItComesAndWhenItIsBack)
+{
+    std::optional<test::MediaServer> server(std::in_place);
+    server->kill();
+    std::atomic<int> lists = 0;
+    session.setOnDevices([&](const MediaDeviceList&) { ++lists; });
+    EXPECT_TRUE(pumpUntil([&] { return statuses.count() == 1; }));
+    EXPECT_THAT(statuses.all()[0], HasSubstr("There is no PipeWire server"));
+    EXPECT_FALSE(session.cameraSize());
+    EXPECT_FALSE(session.hasMic());
+
+    server->start();
+    EXPECT_TRUE(pumpUntil([&] { return lists == 1; }));
+    const DeviceProgram camera("testcamera", { QStringLiteral("lonely-camera") });
+    EXPECT_TRUE(pumpUntil([&] { return session.devices().hasCamera("lonely-camera"); }));
+    server->kill();
+    EXPECT_TRUE(pumpUntil([&] { return statuses.count() == 2; }));
+    EXPECT_THAT(statuses.all()[1], HasSubstr("lost"));
+    EXPECT_TRUE(session.devices().cameras.empty());
+    server->start();
+    EXPECT_TRUE(pumpUntil([&] { return lists >= 4; }));
+    session.setOnDevices({});
+    EXPECT_FALSE(session.hasMic());
+}
+
+} // namespace vantry

@@ -1,0 +1,115 @@
+#include "capture/Recorder.h"
+
+#include "support/DeviceProgram.h"
+#include "support/MovieProbe.h"
+#include "support/PumpUntil.h"
+#include "support/TemporaryFolder.h"
+#include "support/XServer.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace vantry {
+
+namespace {
+
+using test::DeviceProgram;
+using test::pumpUntil;
+using test::uniqueName;
+
+class RecorderTest : public test::EventLoopTest {
+protected:
+    void record(double length)
+    {
+        recorder.beginClip(file);
+        ASSERT_TRUE(pumpUntil([&] { return recorder.elapsed() >= length; }));
+    }
+    std::optional<double> finish() { return recorder.endClip().result(); }
+
+    void startScreen() { recorder.startScreen(displays().at(0)).waitForFinished(); }
+
+    bool awaitCameraPicture()
+    {
+        return pumpUntil([&] { return recorder.session().preview().latest().has_value(); });
+    }
+
+    test::XServer server{ 320, 240 };
+    test::TemporaryFolder folder;
+    const std::filesystem::path file = folder / "clip.mov";
+    Recorder recorder;
+};
+
+/// The test microphone's tone is heard in a good part of the stretch: a busy machine leaves out cycles.
+bool hasTone(const std::vector<float>& samples, std::size_t from, std::size_t to)
+{
+    const auto loud =
+        std::count_if(samples.begin() + static_cast<std::ptrdiff_t>(from), samples.begin() + static_cast<std::ptrdiff_t>(to),
+            [](float sample) { return std::abs(sample) > 0.1F && std::abs(sample) < 0.35F; });
+    return static_cast<std::size_t>(loud) > (to - from) / 8;
+}
+
+} // namespace
+
+TEST_F(RecorderTest, aClipHasTheCameraAndTheMicrophone)
+{
+    startScreen();
+    recorder.session().configure("test-camera", "test-microphone");
+    recorder.session().startCamera();
+    ASSERT_TRUE(awaitCameraPicture());
+    EXPECT_TRUE(recorder.hasCamera());
+    record(2.5);
+    const auto duration = finish();
+    ASSERT_TRUE(duration);
+
+    auto camera = test::probeStream(file, "v:1");
+    EXPECT_EQ(camera["width"], "1920");
+    EXPECT_EQ(camera["height"], "1080");
+    EXPECT_NEAR(test::probeEnd(file, "v:1"), *duration, 0.05);
+    const auto frames = test::probeFrames(file, "v:1");
+    EXPECT_LT(frames.at(0).time, 0.3);
+    EXPECT_GT(frames.size(), 20u);
+    const auto sound = test::probeSound(file, "a:0");
+    EXPECT_NEAR(static_cast<double>(sound.size()) / 48000, *duration, 0.05);
+    EXPECT_TRUE(hasTone(sound, 48000, 96000));
+}
+
+TEST_F(RecorderTest, aCameraThatGoesAwayLeavesItsLastPictureAndTheRestGoesOn)
+{
+    const auto name = uniqueName("camera");
+    std::optional<DeviceProgram> program(std::in_place, "testcamera",
+        QStringList{ QString::fromStdString(name), QStringLiteral("Camera"), QStringLiteral("NV12"), QStringLiteral("320x240") });
+    startScreen();
+    auto& session = recorder.session();
+    session.setOnDevices({});
+    ASSERT_TRUE(pumpUntil([&] { return session.devices().hasCamera(name); }));
+    session.configure(name, "test-microphone");
+    session.startCamera();
+    ASSERT_TRUE(awaitCameraPicture());
+    record(1);
+    program.reset();
+    ASSERT_TRUE(pumpUntil([&] { return !session.preview().latest(); }));
+    const double gone = recorder.elapsed();
+    ASSERT_TRUE(pumpUntil([&] { return recorder.elapsed() >= gone + 1; }));
+    const auto duration = finish();
+    ASSERT_TRUE(duration);
+    EXPECT_LT(test::probeFrames(file, "v:1").back().time, gone);
+    EXPECT_NEAR(test::probeEnd(file, "v:1"), *duration, 0.05);
+    const auto sound = test::probeSound(file, "a:0");
+    EXPECT_TRUE(hasTone(sound, sound.size() - 48000, sound.size()));
+}
+
+TEST_F(RecorderTest, withoutDevicesTheScreenIsRecordedAlone)
+{
+    startScreen();
+    recorder.session().configure("no-such-camera", "no-such-microphone");
+    recorder.session().startCamera();
+    record(0.5);
+    ASSERT_TRUE(finish());
+    EXPECT_FALSE(test::probeStream(file, "v:0").empty());
+    EXPECT_TRUE(test::probeStream(file, "v:1").empty());
+    EXPECT_TRUE(test::probeStream(file, "a:0").empty());
+}
+
+} // namespace vantry
