@@ -29,7 +29,7 @@ struct Client {
 
 struct Player {
     std::unique_ptr<pw::ServerObject> object;
-    std::uint32_t client;
+    std::uint32_t client = PW_ID_ANY;
 };
 
 struct Port {
@@ -50,8 +50,9 @@ public:
 
 private:
     void add(std::uint32_t id, std::string_view type, const spa_dict* properties);
+    void addClient(std::uint32_t id, const spa_dict* properties);
+    void addPlayer(std::uint32_t id, const spa_dict* properties);
     void remove(std::uint32_t id);
-    std::unique_ptr<pw::ServerObject> bind(pw::ServerObject::Kind kind, std::uint32_t id);
 
     static const pw_registry_events events;
 
@@ -79,11 +80,10 @@ PlayingPrograms::Impl::Impl(PipeWireLoop& loop, std::function<void()> onChange)
 
 void PlayingPrograms::Impl::add(std::uint32_t id, std::string_view type, const spa_dict* properties)
 {
-    using Kind = pw::ServerObject::Kind;
     if (type == PW_TYPE_INTERFACE_Client)
-        m_clients[id] = { bind(Kind::Client, id), pw::processIn(get(properties, PW_KEY_SEC_PID)) };
+        addClient(id, properties);
     else if (type == PW_TYPE_INTERFACE_Node && get(properties, PW_KEY_MEDIA_CLASS) == "Stream/Output/Audio")
-        m_players[id] = { bind(Kind::Node, id), number(get(properties, PW_KEY_CLIENT_ID)) };
+        addPlayer(id, properties);
     else if (type == PW_TYPE_INTERFACE_Port && get(properties, PW_KEY_PORT_MONITOR) != "true")
         m_ports[id] = { { id, get(properties, PW_KEY_AUDIO_CHANNEL) }, number(get(properties, PW_KEY_NODE_ID)),
             get(properties, PW_KEY_PORT_DIRECTION) == "out" };
@@ -92,15 +92,24 @@ void PlayingPrograms::Impl::add(std::uint32_t id, std::string_view type, const s
     m_onChange();
 }
 
+void PlayingPrograms::Impl::addClient(std::uint32_t id, const spa_dict* properties)
+{
+    Client& client = m_clients[id];
+    client.object = std::make_unique<pw::ServerObject>(m_registry.get(), pw::ServerObject::Kind::Client, id, m_onChange);
+    client.connectedFrom = pw::processIn(get(properties, PW_KEY_SEC_PID));
+}
+
+void PlayingPrograms::Impl::addPlayer(std::uint32_t id, const spa_dict* properties)
+{
+    Player& player = m_players[id];
+    player.object = std::make_unique<pw::ServerObject>(m_registry.get(), pw::ServerObject::Kind::Node, id, m_onChange);
+    player.client = number(get(properties, PW_KEY_CLIENT_ID));
+}
+
 void PlayingPrograms::Impl::remove(std::uint32_t id)
 {
     if (m_clients.erase(id) + m_players.erase(id) + m_ports.erase(id) > 0)
         m_onChange();
-}
-
-std::unique_ptr<pw::ServerObject> PlayingPrograms::Impl::bind(pw::ServerObject::Kind kind, std::uint32_t id)
-{
-    return std::make_unique<pw::ServerObject>(m_registry.get(), kind, id, m_onChange);
 }
 
 /// Not before it is certain whose it is: what the node says counts before what its client says, and that before the connection.

@@ -1,6 +1,7 @@
 #include "platform/ServerObject.h"
 
 #include <charconv>
+#include <utility>
 
 namespace vantry::pw {
 
@@ -17,8 +18,8 @@ const pw_node_events ServerObject::nodeEvents = {
 ServerObject::ServerObject(pw_registry* registry, Kind kind, std::uint32_t id, std::function<void()> onChange)
     : m_onChange(std::move(onChange))
 {
-    const auto* type = kind == Kind::Client ? PW_TYPE_INTERFACE_Client : PW_TYPE_INTERFACE_Node;
-    const auto version = kind == Kind::Client ? PW_VERSION_CLIENT : PW_VERSION_NODE;
+    const auto [type, version] = kind == Kind::Client ? std::pair(PW_TYPE_INTERFACE_Client, PW_VERSION_CLIENT)
+                                                      : std::pair(PW_TYPE_INTERFACE_Node, PW_VERSION_NODE);
     m_proxy.reset(static_cast<pw_proxy*>(pw_registry_bind(registry, id, type, version, 0)));
     if (!m_proxy)
         return;

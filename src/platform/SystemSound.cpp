@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <map>
-#include <optional>
 #include <set>
 #include <string_view>
 
@@ -25,7 +24,7 @@ bool isOn(std::string_view side, std::string_view channel)
 /// small speakers do.
 bool isHeardOn(std::string_view side, std::string_view channel)
 {
-    const auto other = side == "FL" ? "FR" : "FL";
+    const std::string_view other = side == "FL" ? "FR" : "FL";
     return channel != "LFE" && !isOn(other, channel);
 }
 
@@ -57,7 +56,7 @@ private:
     SoundStream m_stream;
 
     // Belong to the loop's thread, or to who has its lock.
-    std::optional<PlayingPrograms> m_programs;
+    std::unique_ptr<PlayingPrograms> m_programs;
     std::map<Ends, pw::ProxyPtr<pw_proxy>> m_links;
 };
 
@@ -66,7 +65,7 @@ SystemSound::Impl::Impl(PipeWireLoop& loop, Handlers handlers)
     , m_stream(loop, options(), std::move(handlers))
 {
     const std::lock_guard guard(m_loop);
-    m_programs.emplace(loop, [this] { link(); });
+    m_programs = std::make_unique<PlayingPrograms>(loop, [this] { link(); });
 }
 
 SystemSound::Impl::~Impl()

@@ -299,7 +299,7 @@ TEST_F(ClipWriterTest, aBusyEncoderDropsAndCounts)
     ClipWriter writer(m_file, { .screen = large }, start);
     ScreenContent content(large.width, large.height, Activity::Motion);
     const std::vector pictures{ content.picture(0), content.picture(1), content.picture(2) };
-    for (std::size_t i = 0; i < 30; ++i)
+    for (std::size_t i = 0; i < 300; ++i)
         writer.append(PictureSample{ pictures[i % 3], start + frames(static_cast<double>(i)) }, TrackKind::screen);
     const auto outcome = finishedClip(writer, start + 10s);
     const auto& counts = outcome.counts[0];

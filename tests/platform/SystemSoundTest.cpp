@@ -82,7 +82,7 @@ void OwnTone::process()
     pw_buffer* buffer = pw_stream_dequeue_buffer(m_stream);
     if (!buffer)
         return;
-    spa_data& data = buffer->buffer->datas[0];
+    const spa_data& data = buffer->buffer->datas[0];
     const auto most = data.maxsize / sizeof(float);
     const auto count = buffer->requested ? std::min<std::uint64_t>(buffer->requested, most) : most;
     for (std::uint64_t i = 0; i < count; ++i, m_phase += m_step)
