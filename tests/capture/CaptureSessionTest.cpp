@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <cmath>
+#include <filesystem>
 #include <limits>
 
 namespace vantry {
@@ -176,6 +177,24 @@ TEST_F(CaptureSessionTest, goesOnWithACameraThatWasAway)
     EXPECT_TRUE(awaitPictures(3));
     EXPECT_THAT(statuses.all(), Contains("Desk camera is back."));
     EXPECT_TRUE(session.preview().latest());
+}
+
+TEST_F(CaptureSessionTest, leavesNoThreadBehind)
+{
+    const auto threads = [] {
+        return std::distance(std::filesystem::directory_iterator("/proc/self/task"), std::filesystem::directory_iterator());
+    };
+    const auto before = threads();
+    for (int i = 0; i < 5; ++i) {
+        test::Collected<PictureSample> seen;
+        CaptureSession other(
+            queue, { .onPicture = [&](const PictureSample& sample) { seen.add(sample); }, .onSound = [](const auto&) {} });
+        other.configure("test-camera", "test-microphone");
+        other.startCamera();
+        EXPECT_TRUE(pumpUntil([&] { return seen.count() > 0; }));
+    }
+    // A thread that was joined is gone from the list a moment later.
+    EXPECT_TRUE(pumpUntil([&] { return threads() == before; })) << threads() << " instead of " << before;
 }
 
 TEST_F(CaptureSessionTest, findsTheMediaServerWhenItComesAndWhenItIsBack)
