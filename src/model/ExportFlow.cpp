@@ -4,6 +4,7 @@
 #include "model/AppModel.h"
 #include "model/Coroutines.h"
 #include "model/DetailsFile.h"
+#include "model/Paths.h"
 #include "render/Exporter.h"
 
 #include <QCoroFuture>
@@ -85,6 +86,7 @@ QFuture<ExportFlow::Outcome> ExportFlow::makeVideo(Project project, std::filesys
 void ExportFlow::deliver(const YouTubeInfo& info, const std::filesystem::path& video)
 {
     writeDetailsFile(info, video);
+    m_model.setStatus("Exported to "_L1 + text(video));
     if (m_reveal)
         m_reveal(video);
 }

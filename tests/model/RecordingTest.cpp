@@ -237,6 +237,7 @@ TEST_F(RecordingTest, anExportDeliversTheVideoAndItsDetails)
     EXPECT_EQ(test::probeStream(video, "v:0")["height"], "720");
     EXPECT_EQ(contents(m_folder / "Intro.youtube.txt").toStdString(), "Intro\n\nHello\n\nTags: a, b\n");
     EXPECT_THAT(m_revealed, ElementsAre(video));
+    EXPECT_EQ(m_model.status(), QStringLiteral("Exported to ") + QString::fromStdString(video.string()));
 }
 
 TEST_F(RecordingTest, aCancelledExportLeavesNothing)
