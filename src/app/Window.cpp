@@ -1,6 +1,7 @@
 #include "app/Window.h"
 
 #include "base/AppError.h"
+#include "platform/Xcb.h"
 
 #include <QFont>
 #include <QGuiApplication>
@@ -14,9 +15,16 @@ namespace vantry {
 
 using namespace Qt::StringLiterals;
 
-bool Window::hasDesktop()
+void Window::requireDesktop()
 {
-    return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY") || qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+    const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
+    const bool wayland = !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+    if (platform.isEmpty() && !wayland && qEnvironmentVariableIsEmpty("DISPLAY"))
+        throw AppError("There is no desktop to show a window on. To export a recording without one, use --open DIR --export FILE");
+    // An X server may be named and not be there.
+    if (platform.startsWith("xcb") || (platform.isEmpty() && !wayland)) {
+        const xcb::Connection server;
+    }
 }
 
 Window::Window(AppModel& model)
