@@ -2,6 +2,7 @@
 
 #include "base/AppError.h"
 #include "platform/WindowHints.h"
+#include "platform/Xcb.h"
 #include "ui/FloatingPanel.h"
 
 #include <QFont>
@@ -31,9 +32,16 @@ void leavePanelsWithoutShadow()
 
 } // namespace
 
-bool Window::hasDesktop()
+void Window::requireDesktop()
 {
-    return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY") || qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+    const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
+    const bool wayland = !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+    if (platform.isEmpty() && !wayland && qEnvironmentVariableIsEmpty("DISPLAY"))
+        throw AppError("There is no desktop to show a window on. To export a recording without one, use --open DIR --export FILE");
+    // An X server may be named and not be there.
+    if (platform.startsWith("xcb") || (platform.isEmpty() && !wayland)) {
+        const xcb::Connection server;
+    }
 }
 
 Window::Window(AppModel& model)

@@ -15,8 +15,8 @@ public:
     explicit Window(AppModel& model);
     ~Window();
 
-    /// Whether the environment names a desktop. Without one the toolkit would end the process.
-    static bool hasDesktop();
+    /// Throws AppError when there is nothing to show a window on. The toolkit itself would end the process.
+    static void requireDesktop();
 
 private:
     std::unique_ptr<QQmlApplicationEngine> m_engine;

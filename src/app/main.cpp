@@ -30,8 +30,7 @@ int runWithoutWindow(int& argc, char** argv, const CommandLine& line)
 
 int runWithWindow(int& argc, char** argv, const CommandLine& line)
 {
-    if (!Window::hasDesktop())
-        throw AppError("There is no desktop to show a window on. To export a recording without one, use --open DIR --export FILE");
+    Window::requireDesktop();
     const QGuiApplication application(argc, argv);
     AppModel model({ .reveal = revealInFileBrowser });
     const Window window(model);

@@ -217,6 +217,23 @@ QUrl AppModel::suggestedVideo() const
     return QUrl::fromLocalFile(text(root().parent_path()) + u'/' + name.replace(u'/', u'-') + ".mp4"_L1);
 }
 
+QUrl AppModel::videoIn(const QUrl& folder, const QString& name) const
+{
+    const auto ending = ".mp4"_L1;
+    QString stem = name.trimmed();
+    if (stem.endsWith(ending, Qt::CaseInsensitive))
+        stem.chop(ending.size());
+    if (stem.isEmpty() || stem.contains(u'/'))
+        return {};
+    return QUrl::fromLocalFile(folder.toLocalFile() + u'/' + stem + ending);
+}
+
+bool AppModel::isTaken(const QUrl& file) const
+{
+    std::error_code ignored;
+    return fs::exists(fs::symlink_status(toPath(file.toLocalFile()), ignored));
+}
+
 void AppModel::quit()
 {
     launch(finishAndQuit(), [this](const QString&) { Q_EMIT readyToQuit(); });

@@ -162,6 +162,12 @@ public:
     /// Where the project's video could go: in the folder of movies, under the project's title or name.
     Q_INVOKABLE QUrl suggestedVideo() const;
 
+    /// The video of this name in a folder, with its ending even where the name has none. Empty when no file can have the name.
+    Q_INVOKABLE QUrl videoIn(const QUrl& folder, const QString& name) const;
+
+    /// Whether exporting to this file would replace something.
+    Q_INVOKABLE bool isTaken(const QUrl& file) const;
+
     /// Finishes what must not be lost and then says `readyToQuit`.
     Q_INVOKABLE void quit();
 

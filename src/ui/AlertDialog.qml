@@ -1,37 +1,16 @@
 import QtQuick
 import QtQuick.Controls.Basic
-import QtQuick.Templates as T
 import Vantry
 
 /// Says what went wrong, until the user has seen it.
-Dialog {
+StudioDialog {
     id: dialog
 
     required property AppModel model
 
-    anchors.centerIn: T.Overlay.overlay
-    width: 420
-    padding: 20
-    modal: true
-    focus: true
     title: "Vantry"
     visible: model.alert !== ""
-    closePolicy: Popup.CloseOnEscape
     onClosed: model.alert = ""
-
-    background: Rectangle {
-        radius: 12
-        color: Theme.raised
-        border.color: Theme.line
-    }
-
-    header: Label {
-        text: dialog.title
-        color: Theme.ink
-        padding: 20
-        bottomPadding: 0
-        font { pixelSize: 16; weight: Font.DemiBold }
-    }
 
     contentItem: Label {
         text: dialog.model.alert
@@ -55,6 +34,4 @@ Dialog {
             onClicked: dialog.close()
         }
     }
-
-    T.Overlay.modal: Rectangle { color: "#90000000" }
 }

@@ -53,14 +53,14 @@ ColumnLayout {
 
         StudioButton {
             text: "Retake last 10 s"
-            enabled: screen.recorded && !screen.exporting
+            enabled: screen.model.projectLength > 10 && !screen.exporting
             icon.source: "qrc:/icons/rotate-ccw.svg"
             onClicked: screen.model.retakeLast(10)
         }
 
         StudioButton {
             text: "Retake last 30 s"
-            enabled: screen.recorded && !screen.exporting
+            enabled: screen.model.projectLength > 30 && !screen.exporting
             icon.source: "qrc:/icons/rotate-ccw.svg"
             onClicked: screen.model.retakeLast(30)
         }

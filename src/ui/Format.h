@@ -4,6 +4,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QUrl>
 #include <qqmlregistration.h>
 
 namespace vantry {
@@ -15,6 +16,9 @@ class Format : public QObject {
     QML_SINGLETON
 
 public:
+    Q_INVOKABLE QString path(const QUrl& file) const { return file.toLocalFile(); }
+    Q_INVOKABLE QString fileName(const QUrl& file) const { return file.fileName(); }
+    Q_INVOKABLE QUrl folder(const QUrl& file) const { return file.adjusted(QUrl::RemoveFilename | QUrl::StripTrailingSlash); }
     Q_INVOKABLE QString timecode(double seconds) const { return QString::fromStdString(vantry::timecode(seconds)); }
 };
 

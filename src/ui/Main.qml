@@ -29,7 +29,7 @@ ApplicationWindow {
         mid: Theme.line
         dark: Theme.inkSecondary
         highlight: Theme.accent
-        highlightedText: Theme.canvas
+        highlightedText: Theme.ink
         placeholderText: Theme.inkSecondary
     }
 

@@ -53,12 +53,12 @@ protected:
         std::string errors;
     };
 
-    /// `arguments` as the shell takes them.
-    std::unique_ptr<test::Program> start(const std::string& arguments)
+    /// `arguments` as the shell takes them, for it and for the toolkit's `platform`.
+    std::unique_ptr<test::Program> start(const std::string& arguments, const std::string& platform = "offscreen")
     {
         fs::remove(errorFile());
         const std::string environment = "HOME='" + m_home.path().string() + "' XDG_CONFIG_HOME='" + (m_home / "config").string()
-            + "' LC_ALL=C.UTF-8 QT_QPA_PLATFORM=offscreen ";
+            + "' LC_ALL=C.UTF-8 QT_QPA_PLATFORM=" + platform + " ";
         return std::make_unique<test::Program>(std::vector<std::string>{ "sh", "-c",
             "exec env " + environment + VANTRY_PROGRAM " " + arguments + " >'" + outputFile().string() + "' 2>'"
                 + errorFile().string() + "'" });
@@ -70,7 +70,7 @@ protected:
         return { status, contents(outputFile()), contents(errorFile()) };
     }
 
-    Result run(const std::string& arguments) { return finish(*start(arguments)); }
+    Result run(const std::string& arguments, const std::string& platform = "offscreen") { return finish(*start(arguments, platform)); }
 
     /// A project whose one clip of a second is shown again and again.
     fs::path recordProject(int repetitions)
@@ -172,6 +172,21 @@ TEST_F(ProgramTest, withoutADesktopItSaysSo)
     const Result recording = run("--autorecord 1 --export " + (m_home / "out.mp4").string());
     EXPECT_EQ(recording.status, 1);
     EXPECT_THAT(recording.errors, HasSubstr("Could not start recording: "));
+
+    const Result window = run("", "");
+    EXPECT_EQ(window.status, 1);
+    EXPECT_THAT(window.errors, HasSubstr("There is no desktop to show a window on"));
+}
+
+TEST_F(ProgramTest, whereNoServerAnswersItSaysSo)
+{
+    test::XServer screen(640, 360);
+    screen.kill();
+    for (const char* platform : { "", "xcb" }) {
+        const Result window = run("", platform);
+        EXPECT_EQ(window.status, 1);
+        EXPECT_EQ(window.errors, "vantry: There is no display server to connect to\n");
+    }
 }
 
 TEST_F(ProgramTest, recordsExportsAndSaysWhere)

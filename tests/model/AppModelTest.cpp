@@ -148,6 +148,29 @@ TEST_F(AppModelTest, theVideoIsNamedAfterTheTitleOrTheProject)
     EXPECT_EQ(m_model.suggestedVideo().toLocalFile().toStdString(), m_folder / "Videos/My-Video 50%.mp4");
 }
 
+TEST_F(AppModelTest, aTypedNameBecomesAVideoOfTheFolder)
+{
+    const QUrl folder = QUrl::fromLocalFile(QString::fromStdString(m_folder / "50% #1"));
+    const auto typed = [&](const char* name) { return m_model.videoIn(folder, QString::fromUtf8(name)).toLocalFile().toStdString(); };
+    EXPECT_EQ(typed("one"), m_folder / "50% #1/one.mp4");
+    EXPECT_EQ(typed(" My 100% video? v1.2 "), m_folder / "50% #1/My 100% video? v1.2.mp4");
+    EXPECT_EQ(typed("one.MP4"), m_folder / "50% #1/one.mp4") << "the ending is not added twice";
+    for (const char* name : { "", " ", ".mp4", "a/b", "../one.mp4", "/" })
+        EXPECT_THAT(typed(name), IsEmpty()) << name;
+}
+
+TEST_F(AppModelTest, aNameIsTakenByWhateverHasIt)
+{
+    const QUrl video = m_model.videoIn(QUrl::fromLocalFile(QString::fromStdString(m_folder.path())), QStringLiteral("100% é"));
+    const fs::path file = m_folder / "100% é.mp4";
+    EXPECT_FALSE(m_model.isTaken(video));
+    std::ofstream(file) << "a movie";
+    EXPECT_TRUE(m_model.isTaken(video));
+    fs::remove(file);
+    fs::create_symlink("nowhere", file);
+    EXPECT_TRUE(m_model.isTaken(video)) << "a link to nothing would be replaced as well";
+}
+
 TEST_F(AppModelTest, aFailedExportSaysWhyAndLeavesNothing)
 {
     m_model.open(writeProject("one"));
