@@ -70,7 +70,8 @@ double EditingCommands::now() const
     // The clip that is being saved has ended but is no part of the project yet. What comes now must not change how it looks.
     if (m_model.phase() == Phase::saving())
         return m_model.liveTime();
-    return totalLength(*m_model.project()) + m_recorder.elapsed();
+    const auto& project = m_model.project();
+    return (project ? totalLength(*project) : 0) + m_recorder.elapsed();
 }
 
 } // namespace vantry

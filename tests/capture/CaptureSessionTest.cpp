@@ -108,14 +108,16 @@ TEST_F(CaptureSessionTest, everyFormatOfACameraBecomesTheSamePicture)
 
 TEST_F(CaptureSessionTest, choosingTheSameDevicesAgainDisturbsNothing)
 {
-    session.configure("test-camera", "test-microphone");
+    const test::OwnCamera camera;
+    ASSERT_TRUE(awaitCamera(camera.name(), true));
+    session.configure(camera.name(), "test-microphone");
     session.startCamera();
     ASSERT_TRUE(awaitPictures(5));
     EXPECT_EQ(session.cameraSize(), (PictureSize{ 1920, 1080 }));
-    session.configure("test-camera", "test-microphone");
-    session.configure("test-camera", {});
+    session.configure(camera.name(), "test-microphone");
+    session.configure(camera.name(), {});
     EXPECT_FALSE(session.hasMic());
-    session.configure("test-camera", "test-microphone");
+    session.configure(camera.name(), "test-microphone");
     session.startCamera();
     EXPECT_TRUE(session.hasMic());
     EXPECT_TRUE(awaitPictures(5));
@@ -181,6 +183,8 @@ TEST_F(CaptureSessionTest, goesOnWithACameraThatWasAway)
 
 TEST_F(CaptureSessionTest, leavesNoThreadBehind)
 {
+    const test::OwnCamera camera;
+    ASSERT_TRUE(awaitCamera(camera.name(), true));
     const auto threads = [] {
         return std::distance(std::filesystem::directory_iterator("/proc/self/task"), std::filesystem::directory_iterator());
     };
@@ -189,7 +193,7 @@ TEST_F(CaptureSessionTest, leavesNoThreadBehind)
         test::Collected<PictureSample> seen;
         CaptureSession other(
             queue, { .onPicture = [&](const PictureSample& sample) { seen.add(sample); }, .onSound = [](const auto&) {} });
-        other.configure("test-camera", "test-microphone");
+        other.configure(camera.name(), "test-microphone");
         other.startCamera();
         EXPECT_TRUE(pumpUntil([&] { return seen.count() > 0; }));
     }

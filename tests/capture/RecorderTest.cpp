@@ -30,6 +30,13 @@ protected:
 
     void startScreen() { recorder.startScreen(displays().at(0)).waitForFinished(); }
 
+    void awaitDevice(const std::string& camera)
+    {
+        auto& session = recorder.session();
+        session.setOnDevices({}); // Connects.
+        ASSERT_TRUE(pumpUntil([&] { return session.devices().hasCamera(camera); }));
+    }
+
     bool awaitCameraPicture()
     {
         return pumpUntil([&] { return recorder.session().preview().latest().has_value(); });
@@ -54,8 +61,10 @@ bool hasTone(const std::vector<float>& samples, std::size_t from, std::size_t to
 
 TEST_F(RecorderTest, aClipHasTheCameraAndTheMicrophone)
 {
+    const test::OwnCamera own;
     startScreen();
-    recorder.session().configure("test-camera", "test-microphone");
+    awaitDevice(own.name());
+    recorder.session().configure(own.name(), "test-microphone");
     recorder.session().startCamera();
     ASSERT_TRUE(awaitCameraPicture());
     EXPECT_TRUE(recorder.hasCamera());
@@ -81,9 +90,8 @@ TEST_F(RecorderTest, aCameraThatGoesAwayLeavesItsLastPictureAndTheRestGoesOn)
     std::optional<DeviceProgram> program(std::in_place, "testcamera",
         QStringList{ QString::fromStdString(name), QStringLiteral("Camera"), QStringLiteral("NV12"), QStringLiteral("320x240") });
     startScreen();
+    awaitDevice(name);
     auto& session = recorder.session();
-    session.setOnDevices({});
-    ASSERT_TRUE(pumpUntil([&] { return session.devices().hasCamera(name); }));
     session.configure(name, "test-microphone");
     session.startCamera();
     ASSERT_TRUE(awaitCameraPicture());

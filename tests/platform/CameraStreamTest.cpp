@@ -84,7 +84,9 @@ protected:
 
 TEST_F(CameraStreamTest, takesFullHdAndKeepsTheTimeAtWhichAFrameWasTaken)
 {
-    Viewer viewer(m_loop, "test-camera");
+    const test::OwnCamera camera;
+    ASSERT_TRUE(awaitCamera(camera.name()));
+    Viewer viewer(m_loop, camera.name());
     ASSERT_TRUE(pumpUntil([&] { return viewer.hasSeen(20); }));
     const auto seen = viewer.seen();
     EXPECT_EQ(seen[0].mode.width, 1920);
@@ -135,9 +137,11 @@ TEST_F(CameraStreamTest, aCameraThatGoesAwayStopsQuietlyAndANewStreamFindsItAgai
 
 TEST_F(CameraStreamTest, opensAndClosesWithoutEnd)
 {
+    const test::OwnCamera camera;
+    ASSERT_TRUE(awaitCamera(camera.name()));
     int successes = 0;
     for (int i = 0; i < 20; ++i) {
-        Viewer viewer(m_loop, "test-camera");
+        Viewer viewer(m_loop, camera.name());
         // The desktop refuses a camera that it has not yet taken back.
         EXPECT_TRUE(i % 2 == 0 || pumpUntil([&] { return viewer.hasSeen(1) || viewer.failure(); }));
         successes += viewer.hasSeen(1);

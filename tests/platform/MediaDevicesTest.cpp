@@ -30,7 +30,9 @@ TEST_F(MediaDevicesTest, knowsTheDesktopsDevicesAtOnce)
     const auto list = devices.list();
     EXPECT_THAT(list.cameras, Contains(MediaDevice{ "test-camera", "Test camera" }));
     EXPECT_THAT(list.microphones, Contains(MediaDevice{ "test-microphone", "Test microphone" }));
-    EXPECT_EQ(list.defaultMicrophone, "test-microphone");
+    // Other tests bring microphones too.
+    ASSERT_TRUE(list.defaultMicrophone);
+    EXPECT_TRUE(list.hasMicrophone(*list.defaultMicrophone));
     // What the speakers play can be recorded too, but it is no microphone.
     EXPECT_FALSE(list.hasMicrophone("test-sink"));
 }

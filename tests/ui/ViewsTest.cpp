@@ -35,7 +35,7 @@ TEST_F(ViewsTest, aControlShowsAndChangesAField)
         function type(text) { gc(); field.value = text; })");
     EXPECT_EQ(control->property("shown"), u"one"_s);
     QMetaObject::invokeMethod(control.get(), "type", Q_ARG(QVariant, u"two"_s));
-    EXPECT_EQ(m_model.project()->name, "two");
+    EXPECT_EQ(loadProject(*m_model.folder()).name, "two");
     EXPECT_EQ(control->property("shown"), u"two"_s);
 }
 
@@ -49,7 +49,7 @@ TEST_F(ViewsTest, aSelectorShowsAndChangesTheLayout)
     EXPECT_EQ(selector->property("onScreen"), false);
     QMetaObject::invokeMethod(selector.get(), "choose");
     EXPECT_EQ(selector->property("onScreen"), true);
-    EXPECT_EQ(m_model.project()->layouts.back(), (LayoutEvent{ 5, Layout::screen, Corner::topLeft }));
+    EXPECT_EQ(loadProject(*m_model.folder()).layouts.back(), (LayoutEvent{ 5, Layout::screen, Corner::topLeft }));
 }
 
 } // namespace vantry
