@@ -13,7 +13,7 @@ namespace vantry {
 
 namespace {
 
-constexpr std::array numbers { SIGINT, SIGTERM, SIGHUP };
+constexpr std::array numbers{ SIGINT, SIGTERM, SIGHUP };
 
 /// The pipe's end that the handler writes to: a handler may do little else.
 std::atomic<int> writeEnd = -1;
@@ -29,7 +29,7 @@ extern "C" void forwardSignal(int number)
 
 void handleWith(void (*handler)(int))
 {
-    struct sigaction action {};
+    struct sigaction action { };
     action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
     for (const int number : numbers)

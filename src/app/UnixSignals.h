@@ -5,8 +5,8 @@
 
 namespace vantry {
 
-/// Turns the first SIGINT, SIGTERM or SIGHUP into a signal on the main thread, so that what runs can be ended in order. The second one
-/// ends the process at once. There is one at a time.
+/// Turns the first SIGINT, SIGTERM or SIGHUP into a signal on the main thread, so that what runs can be ended in order. The second
+/// one ends the process at once. There is one at a time.
 class UnixSignals : public QObject {
     Q_OBJECT
 
@@ -20,8 +20,8 @@ Q_SIGNALS:
 private:
     void read();
 
-    int m_pipe[2] { -1, -1 };
-    QSocketNotifier m_notifier { QSocketNotifier::Read };
+    int m_pipe[2]{ -1, -1 };
+    QSocketNotifier m_notifier{ QSocketNotifier::Read };
 };
 
 } // namespace vantry

@@ -8,7 +8,8 @@ class QQmlApplicationEngine;
 
 namespace vantry {
 
-/// The main window, and the panels that take its place while a clip is recorded. Closing it asks the model to quit. Needs a QGuiApplication.
+/// The main window, and the panels that take its place while a clip is recorded. Closing it asks the model to quit. Needs a
+/// QGuiApplication.
 class Window {
 public:
     /// The model outlives the window. Throws AppError when the interface cannot be loaded.

@@ -20,7 +20,7 @@ namespace {
 int runWithoutWindow(int& argc, char** argv, const CommandLine& line)
 {
     const QCoreApplication application(argc, argv);
-    AppModel model(AppModel::Options {});
+    AppModel model(AppModel::Options{});
     HeadlessRun run(model, line);
     const UnixSignals signals;
     QObject::connect(&signals, &UnixSignals::caught, &run, &HeadlessRun::interrupt);
@@ -38,7 +38,8 @@ int runWithWindow(int& argc, char** argv, const CommandLine& line)
     const UnixSignals signals;
     QObject::connect(&signals, &UnixSignals::caught, &model, &AppModel::quit);
     // Not quit(), which would ask the window again.
-    QObject::connect(&model, &AppModel::readyToQuit, &application, [] { QCoreApplication::exit(EXIT_SUCCESS); }, Qt::QueuedConnection);
+    QObject::connect(
+        &model, &AppModel::readyToQuit, &application, [] { QCoreApplication::exit(EXIT_SUCCESS); }, Qt::QueuedConnection);
     QTimer::singleShot(0, &launch, &Launch::start);
     return QGuiApplication::exec();
 }

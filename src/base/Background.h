@@ -11,7 +11,7 @@
 namespace vantry {
 
 /// Runs `function` on the worker. The future gives its result, or throws what it threw.
-template<typename Function>
+template <typename Function>
 auto inBackground(Worker& worker, Function function) -> QFuture<std::invoke_result_t<Function>>
 {
     using Result = std::invoke_result_t<Function>;

@@ -14,7 +14,7 @@ enum class WhenFull { Block, Drop };
 
 /// A first-in first-out hand-over between threads with room for a fixed number of values. `close()` ends every wait: pushes are
 /// refused from then on, `pop` gives what is left and then nothing. Safe to use from any thread.
-template<typename T>
+template <typename T>
 class BoundedQueue {
 public:
     explicit BoundedQueue(std::size_t capacity, WhenFull whenFull = WhenFull::Block)

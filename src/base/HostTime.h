@@ -10,7 +10,7 @@ using HostTime = std::chrono::time_point<HostClock, std::chrono::nanoseconds>;
 using HostDuration = std::chrono::nanoseconds;
 
 /// A duration as the seconds that the model's border speaks.
-template<typename Rep, typename Period>
+template <typename Rep, typename Period>
 constexpr double seconds(std::chrono::duration<Rep, Period> duration)
 {
     return std::chrono::duration<double>(duration).count();

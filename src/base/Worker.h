@@ -39,7 +39,7 @@ public:
     void post(Job job) { static_cast<void>(tryPost(std::move(job))); }
 
     /// Runs `function` on the worker and waits for its result; what it throws is thrown here. Never call it from the worker itself.
-    template<typename Function>
+    template <typename Function>
     auto sync(Function function) -> std::invoke_result_t<Function>
     {
         std::packaged_task<std::invoke_result_t<Function>()> task(std::move(function));

@@ -64,26 +64,29 @@ void Recorder::openStream(const Display& display)
 {
     m_stream.reset();
     m_systemSound.reset();
-    const ScreenStream::Handlers handlers {
+    const ScreenStream::Handlers handlers{
         .onFrame = [this](const ScreenFrame& frame) { onFrame(frame); },
-        .onError = [this](const AppError& error) {
-            if (m_onStreamError)
-                m_onStreamError(QString::fromUtf8(error.what()));
-        },
+        .onError =
+            [this](const AppError& error) {
+                if (m_onStreamError)
+                    m_onStreamError(QString::fromUtf8(error.what()));
+            },
     };
     // Our own windows are no part of what is recorded.
-    m_stream = std::make_unique<ScreenStream>(display, m_captureQueue, handlers, ScreenStream::Options { .excludedProcesses = { getpid() } });
+    m_stream = std::make_unique<ScreenStream>(
+        display, m_captureQueue, handlers, ScreenStream::Options{ .excludedProcesses = { getpid() } });
     m_captureQueue.sync([this, width = m_stream->width(), height = m_stream->height()] { m_screenSize = { width, height }; });
 }
 
 /// Without it the screen is recorded all the same.
 void Recorder::openSystemSound()
 {
-    const SystemSoundSource::Handlers handlers {
-        .onSound = [this](SoundSample sample) {
-            if (m_writer)
-                m_writer->append(std::move(sample), TrackKind::system);
-        },
+    const SystemSoundSource::Handlers handlers{
+        .onSound =
+            [this](SoundSample sample) {
+                if (m_writer)
+                    m_writer->append(std::move(sample), TrackKind::system);
+            },
         .onChange = [this](const std::optional<AppError>& problem) { onSystemSound(problem); },
     };
     try {
@@ -132,7 +135,7 @@ void Recorder::resumeFirstFrame()
 
 void Recorder::beginClip(const std::filesystem::path& file)
 {
-    ClipTracks tracks { .screen = {}, .camera = m_session.cameraSize(), .audio = m_session.hasMic() };
+    ClipTracks tracks{ .screen = {}, .camera = m_session.cameraSize(), .audio = m_session.hasMic() };
     m_captureQueue.sync([&] {
         const HostTime start = HostClock::now();
         tracks.screen = m_screenSize;
@@ -140,7 +143,7 @@ void Recorder::beginClip(const std::filesystem::path& file)
         auto writer = std::make_unique<ClipWriter>(file, tracks, start);
         // A still screen sends nothing, and yet every clip begins with a picture.
         if (m_latestScreen)
-            writer->append(PictureSample { m_latestScreen->picture, start }, TrackKind::screen);
+            writer->append(PictureSample{ m_latestScreen->picture, start }, TrackKind::screen);
         m_writer = std::move(writer);
         m_clipStart = start;
     });

@@ -19,8 +19,8 @@
 namespace vantry {
 
 /// The one capture engine: owns the camera and the microphone, the screen stream, the writer of the clip in progress and the latest
-/// frame of the screen, and hands every sample to the writer. Its operations are called on the main thread; those that take long give a future. Destroying it in the
-/// middle of a clip finishes the clip's file.
+/// frame of the screen, and hands every sample to the writer. Its operations are called on the main thread; those that take long
+/// give a future. Destroying it in the middle of a clip finishes the clip's file.
 class Recorder {
 public:
     using StreamErrorHandler = std::function<void(const QString& description)>;
@@ -45,12 +45,12 @@ public:
     /// Done when the stream is gone, and the latest frame with it.
     QFuture<void> stopScreen();
 
-    /// Opens a writer for the file; samples go there from now on, the screen as it is now before all others. Throws AppError when the
-    /// file cannot be opened; what was recorded before goes on then.
+    /// Opens a writer for the file; samples go there from now on, the screen as it is now before all others. Throws AppError when
+    /// the file cannot be opened; what was recorded before goes on then.
     void beginClip(const std::filesystem::path& file);
 
-    /// Takes the writer away from the samples at once and finishes its file. The clip's length in seconds; nothing when there was no
-    /// clip or its file could not be completed.
+    /// Takes the writer away from the samples at once and finishes its file. The clip's length in seconds; nothing when there was
+    /// no clip or its file could not be completed.
     QFuture<std::optional<double>> endClip();
 
     /// Seconds since the clip's start; 0 without a clip.
@@ -69,7 +69,7 @@ private:
     void onSystemSound(const std::optional<AppError>& problem);
     void awaitFirstFrame();
     void onFrame(const ScreenFrame& frame);
-    template<typename Sample>
+    template <typename Sample>
     void append(const Sample& sample, TrackKind kind)
     {
         if (m_writer)
@@ -96,10 +96,10 @@ private:
     bool m_systemAudio = false; ///< The running stream comes with other programs' sound.
 
     // The screen's jobs wait for the capture queue, never the other way round.
-    Worker m_captureQueue { "vantry.capture" };
-    Worker m_screenQueue { "vantry.screen" };
+    Worker m_captureQueue{ "vantry.capture" };
+    Worker m_screenQueue{ "vantry.screen" };
 
-    CaptureSession m_session { m_captureQueue,
+    CaptureSession m_session{ m_captureQueue,
         {
             .onPicture = [this](const PictureSample& sample) { append(sample, TrackKind::camera); },
             .onSound = [this](const SoundSample& sample) { append(sample, TrackKind::audio); },

@@ -16,7 +16,7 @@ int chroma(int index, int size)
     return index == PlaneY ? size : (size + 1) / 2;
 }
 
-template<typename Byte>
+template <typename Byte>
 BasicPlane<Byte> planeOf(const AVFrame& frame, int index)
 {
     return { frame.data[index], frame.linesize[index], chroma(index, frame.width), chroma(index, frame.height) };
@@ -114,7 +114,8 @@ void PictureBuffer::copyFrom(const Picture& picture)
     for (int index : { PlaneY, PlaneCb, PlaneCr }) {
         const auto source = picture.plane(index);
         const auto target = plane(index);
-        av_image_copy_plane(target.data, static_cast<int>(target.stride), source.data, static_cast<int>(source.stride), target.width, target.height);
+        av_image_copy_plane(target.data, static_cast<int>(target.stride), source.data, static_cast<int>(source.stride),
+            target.width, target.height);
     }
 }
 
@@ -144,7 +145,8 @@ PictureBuffer PicturePool::make()
     frame->buf[0] = av_buffer_pool_get(m_pool);
     if (!frame->buf[0])
         throw std::bad_alloc();
-    libav::check(av_image_fill_arrays(frame->data, frame->linesize, frame->buf[0]->data, AV_PIX_FMT_YUV420P, m_width, m_height, alignment),
+    libav::check(
+        av_image_fill_arrays(frame->data, frame->linesize, frame->buf[0]->data, AV_PIX_FMT_YUV420P, m_width, m_height, alignment),
         "No memory for a picture");
     return PictureBuffer(std::shared_ptr<AVFrame>(std::move(frame)));
 }

@@ -10,7 +10,7 @@ struct AVBufferPool;
 namespace vantry {
 
 /// One plane of a picture in memory. `stride` is the distance between rows in bytes.
-template<typename Byte>
+template <typename Byte>
 struct BasicPlane {
     Byte* data = nullptr;
     std::ptrdiff_t stride = 0;
@@ -71,8 +71,8 @@ private:
     std::shared_ptr<AVFrame> m_frame;
 };
 
-/// Makes picture buffers of one size and uses their memory again once nobody holds the picture any more. A used buffer still has the
-/// pixels it had, which `plane(PlaneY).data` identifies. Safe to use from any thread; pictures may outlive the pool.
+/// Makes picture buffers of one size and uses their memory again once nobody holds the picture any more. A used buffer still has
+/// the pixels it had, which `plane(PlaneY).data` identifies. Safe to use from any thread; pictures may outlive the pool.
 class PicturePool {
 public:
     PicturePool(int width, int height);

@@ -24,8 +24,8 @@ struct VideoEncoderSettings {
                  ///< encoder's choice.
     int bFrames = 0;
     int threads = 0; ///< 0: as many as the encoder likes.
-    std::string preset {}; ///< The encoder's own name for its speed.
-    std::string parameters {}; ///< The encoder's own options, "name=value:name=value".
+    std::string preset{}; ///< The encoder's own name for its speed.
+    std::string parameters{}; ///< The encoder's own options, "name=value:name=value".
     bool globalHeader = true; ///< The codec's headers go into the file's header.
 };
 

@@ -47,7 +47,12 @@ AppModel::AppModel(Options options)
     });
     m_recorder->setOnStatus([model = QPointer(this)](const QString& text) {
         QMetaObject::invokeMethod(
-            qApp, [model, text] { if (model) model->setStatus(text); }, Qt::QueuedConnection);
+            qApp,
+            [model, text] {
+                if (model)
+                    model->setStatus(text);
+            },
+            Qt::QueuedConnection);
     });
 }
 

@@ -118,14 +118,15 @@ public:
     /// Forgets the project, and deletes its folder if nothing was put into it.
     void dropEmptyProject();
 
-    /// Changes a copy of the project, stores it and saves it. Nothing happens without a project; what cannot be saved stays in memory.
+    /// Changes a copy of the project, stores it and saves it. Nothing happens without a project; what cannot be saved stays in
+    /// memory.
     void edit(Rebuild rebuild, const std::function<void(Project&)>& change);
 
     // Recording.
     Q_INVOKABLE void newRecording();
 
-    /// Counts down and records a clip at the project's end. With a time, what comes after that time is cut off first. Ignored while a
-    /// recording is under way.
+    /// Counts down and records a clip at the project's end. With a time, what comes after that time is cut off first. Ignored while
+    /// a recording is under way.
     void record(std::optional<double> cutAt);
     Q_INVOKABLE void record();
 

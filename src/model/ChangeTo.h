@@ -6,7 +6,7 @@
 namespace vantry {
 
 /// Assigns and says whether that made a difference, so that watchers hear of changes only.
-template<typename Value>
+template <typename Value>
 [[nodiscard]] bool changeTo(Value& field, std::type_identity_t<Value> value)
 {
     if (field == value)

@@ -34,7 +34,10 @@ ExportFlow::~ExportFlow()
 
 void ExportFlow::start(const std::filesystem::path& file)
 {
-    launch(runWithSettings(file), [flow = QPointer(this)](const QString& description) { if (flow) flow->fail(description); });
+    launch(runWithSettings(file), [flow = QPointer(this)](const QString& description) {
+        if (flow)
+            flow->fail(description);
+    });
 }
 
 QCoro::Task<> ExportFlow::runWithSettings(std::filesystem::path file)
@@ -68,9 +71,10 @@ QCoro::Task<ExportFlow::Outcome> ExportFlow::run(std::filesystem::path file, int
 }
 
 /// On the worker, so that the views stay alive meanwhile.
-QFuture<ExportFlow::Outcome> ExportFlow::makeVideo(Project project, std::filesystem::path folder, std::filesystem::path file, int height)
+QFuture<ExportFlow::Outcome> ExportFlow::makeVideo(
+    Project project, std::filesystem::path folder, std::filesystem::path file, int height)
 {
-    ExportOptions options {
+    ExportOptions options{
         .project = std::move(project),
         .folder = std::move(folder),
         .destination = std::move(file),

@@ -18,8 +18,8 @@ namespace vantry {
 
 class AppModel;
 
-/// Writes the open project as a video, with its progress in the model's texts. Belongs to the main thread; the video itself is made on
-/// threads of its own. Destroying it cancels.
+/// Writes the open project as a video, with its progress in the model's texts. Belongs to the main thread; the video itself is made
+/// on threads of its own. Destroying it cancels.
 class ExportFlow : public QObject {
     Q_OBJECT
 
@@ -64,7 +64,7 @@ private:
     /// Written by the exporting thread, which may outlive an export that nobody waits for.
     const std::shared_ptr<std::atomic<double>> m_fraction = std::make_shared<std::atomic<double>>(0);
 
-    Worker m_worker { "vantry.export" };
+    Worker m_worker{ "vantry.export" };
 };
 
 } // namespace vantry

@@ -19,8 +19,8 @@ public:
 
     const std::filesystem::path& root() const { return m_root; }
 
-    /// A new folder that is named after the time, with a suffix where that name is taken. It may be missing after an error: the first
-    /// save into it tells.
+    /// A new folder that is named after the time, with a suffix where that name is taken. It may be missing after an error: the
+    /// first save into it tells.
     std::filesystem::path createFolder(const QDateTime& now) const;
 
     /// The project folders, newest first. Read from the disk each time; empty when there is no root.

@@ -41,7 +41,10 @@ void RecordingFlow::record(std::optional<double> cutAt)
 {
     if (m_model.phase() != Phase::setup() && m_model.phase() != Phase::editing())
         return;
-    launch(startClip(cutAt), [flow = QPointer(this)](const QString& description) { if (flow) flow->report(startFailed + description); });
+    launch(startClip(cutAt), [flow = QPointer(this)](const QString& description) {
+        if (flow)
+            flow->report(startFailed + description);
+    });
 }
 
 void RecordingFlow::cancelStart()
@@ -53,7 +56,10 @@ void RecordingFlow::stop(double back)
 {
     if (m_model.phase() != Phase::recording())
         return;
-    launch(stopAndReview(back), [flow = QPointer(this)](const QString& description) { if (flow) flow->report(description); });
+    launch(stopAndReview(back), [flow = QPointer(this)](const QString& description) {
+        if (flow)
+            flow->report(description);
+    });
 }
 
 void RecordingFlow::startOrStop()
@@ -204,9 +210,8 @@ QCoro::Task<std::optional<double>> RecordingFlow::endClip()
 
 void RecordingFlow::appendClip(double duration)
 {
-    m_model.edit(Rebuild::No, [&](Project& project) {
-        project.clips.push_back({ .file = *m_currentFile, .duration = duration, .keep = duration });
-    });
+    m_model.edit(Rebuild::No,
+        [&](Project& project) { project.clips.push_back({ .file = *m_currentFile, .duration = duration, .keep = duration }); });
 }
 
 QCoro::Task<> RecordingFlow::stopAndReview(double back)

@@ -13,8 +13,8 @@ namespace vantry {
 class AppModel;
 class Recorder;
 
-/// Turns the presenter's commands into clips: checks that recording is possible, counts down while the screen stream starts, cuts for a
-/// retake, keeps the live clock, and appends the finished clip to the project. Belongs to the main thread.
+/// Turns the presenter's commands into clips: checks that recording is possible, counts down while the screen stream starts, cuts
+/// for a retake, keeps the live clock, and appends the finished clip to the project. Belongs to the main thread.
 class RecordingFlow : public QObject {
     Q_OBJECT
 

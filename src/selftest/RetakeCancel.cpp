@@ -80,8 +80,8 @@ QCoro::Task<bool> RetakeCancel::run()
     if (unchanged) {
         std::printf("✓ cancelled retake cut nothing (%s s kept)\n", shortest(before).c_str());
     } else {
-        std::printf("✗ cancelled retake changed the project: %s s, saved %s s, was %s s\n", shortest(now).c_str(), shortest(saved).c_str(),
-            shortest(before).c_str());
+        std::printf("✗ cancelled retake changed the project: %s s, saved %s s, was %s s\n", shortest(now).c_str(),
+            shortest(saved).c_str(), shortest(before).c_str());
     }
     std::fflush(stdout);
     co_return unchanged;

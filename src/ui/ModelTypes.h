@@ -31,33 +31,33 @@ struct FieldBindingType {
 };
 
 namespace PhaseType {
-    Q_NAMESPACE
-    QML_FOREIGN_NAMESPACE(vantry::Phase)
-    QML_NAMED_ELEMENT(Phase)
-}
+Q_NAMESPACE
+QML_FOREIGN_NAMESPACE(vantry::Phase)
+QML_NAMED_ELEMENT(Phase)
+} // namespace PhaseType
 
 namespace LayoutKindType {
-    Q_NAMESPACE
-    QML_FOREIGN_NAMESPACE(vantry::LayoutKind)
-    QML_NAMED_ELEMENT(LayoutKind)
-}
+Q_NAMESPACE
+QML_FOREIGN_NAMESPACE(vantry::LayoutKind)
+QML_NAMED_ELEMENT(LayoutKind)
+} // namespace LayoutKindType
 
 namespace CornerKindType {
-    Q_NAMESPACE
-    QML_FOREIGN_NAMESPACE(vantry::CornerKind)
-    QML_NAMED_ELEMENT(CornerKind)
-}
+Q_NAMESPACE
+QML_FOREIGN_NAMESPACE(vantry::CornerKind)
+QML_NAMED_ELEMENT(CornerKind)
+} // namespace CornerKindType
 
 namespace ProjectFieldType {
-    Q_NAMESPACE
-    QML_FOREIGN_NAMESPACE(vantry::ProjectField)
-    QML_NAMED_ELEMENT(ProjectField)
-}
+Q_NAMESPACE
+QML_FOREIGN_NAMESPACE(vantry::ProjectField)
+QML_NAMED_ELEMENT(ProjectField)
+} // namespace ProjectFieldType
 
 namespace OverlayFieldType {
-    Q_NAMESPACE
-    QML_FOREIGN_NAMESPACE(vantry::OverlayField)
-    QML_NAMED_ELEMENT(OverlayField)
-}
+Q_NAMESPACE
+QML_FOREIGN_NAMESPACE(vantry::OverlayField)
+QML_NAMED_ELEMENT(OverlayField)
+} // namespace OverlayFieldType
 
 } // namespace vantry

@@ -56,7 +56,8 @@ TEST(CommandLine, refusesWhatMeansNothing)
     EXPECT_THAT(refusal({ "--export", "out.mp4" }), HasSubstr("--open DIR or --autorecord N"));
     EXPECT_THAT(refusal({ "--height", "720" }), HasSubstr("--export"));
     for (const char* height : { "0", "-720", "1081", "720p", "", "99999999999999" })
-        EXPECT_THAT(refusal({ "--open", "a", "--export", "b", "--height", height }), HasSubstr("720, 1080, 1440 or 2160")) << height;
+        EXPECT_THAT(refusal({ "--open", "a", "--export", "b", "--height", height }), HasSubstr("720, 1080, 1440 or 2160"))
+            << height;
 }
 
 TEST(CommandLine, anAutomaticRecordingCountsTheCountdownIn)

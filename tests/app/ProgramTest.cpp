@@ -70,7 +70,10 @@ protected:
         return { status, contents(outputFile()), contents(errorFile()) };
     }
 
-    Result run(const std::string& arguments, const std::string& platform = "offscreen") { return finish(*start(arguments, platform)); }
+    Result run(const std::string& arguments, const std::string& platform = "offscreen")
+    {
+        return finish(*start(arguments, platform));
+    }
 
     /// A project whose one clip of a second is shown again and again.
     fs::path recordProject(int repetitions)
@@ -91,7 +94,7 @@ protected:
         return holdsSoon([&] { return contents(errorFile()).find(text) != std::string::npos; });
     }
 
-    template<typename Condition>
+    template <typename Condition>
     static bool holdsSoon(Condition condition)
     {
         const auto deadline = std::chrono::steady_clock::now() + 60s;

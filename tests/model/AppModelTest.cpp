@@ -151,7 +151,9 @@ TEST_F(AppModelTest, theVideoIsNamedAfterTheTitleOrTheProject)
 TEST_F(AppModelTest, aTypedNameBecomesAVideoOfTheFolder)
 {
     const QUrl folder = QUrl::fromLocalFile(QString::fromStdString(m_folder / "50% #1"));
-    const auto typed = [&](const char* name) { return m_model.videoIn(folder, QString::fromUtf8(name)).toLocalFile().toStdString(); };
+    const auto typed = [&](const char* name) {
+        return m_model.videoIn(folder, QString::fromUtf8(name)).toLocalFile().toStdString();
+    };
     EXPECT_EQ(typed("one"), m_folder / "50% #1/one.mp4");
     EXPECT_EQ(typed(" My 100% video? v1.2 "), m_folder / "50% #1/My 100% video? v1.2.mp4");
     EXPECT_EQ(typed("one.MP4"), m_folder / "50% #1/one.mp4") << "the ending is not added twice";

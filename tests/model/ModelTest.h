@@ -19,7 +19,9 @@ protected:
     {
         const auto folder = m_root / name;
         std::filesystem::create_directories(folder);
-        Project project{ .name = name, .clips = { { .file = "clip-1.mov", .duration = length, .keep = length } }, .layouts = { {} } };
+        Project project{
+            .name = name, .clips = { { .file = "clip-1.mov", .duration = length, .keep = length } }, .layouts = { {} }
+        };
         saveProject(project, folder);
         return folder;
     }

@@ -85,8 +85,9 @@ TEST_F(RecordingTest, otherApplicationsSoundIsRecordedAsTheSettingSays)
     recordASecond();
     m_model.settings()->setSystemAudio(false);
     recordASecond();
-    const auto channels
-        = [&](std::size_t clip) { return test::probeStream(*m_model.folder() / m_model.project()->clips.at(clip).file, "a:0")["channels"]; };
+    const auto channels = [&](std::size_t clip) {
+        return test::probeStream(*m_model.folder() / m_model.project()->clips.at(clip).file, "a:0")["channels"];
+    };
     EXPECT_EQ(channels(0), "2");
     EXPECT_EQ(channels(1), "");
 }

@@ -59,7 +59,7 @@ public:
     }
 
     /// Reads until the condition holds. `areas`: what the last reading read.
-    template<typename Condition>
+    template <typename Condition>
     bool readUntil(Condition condition, std::vector<PixelRect>* areas = nullptr)
     {
         const auto end = HostClock::now() + std::chrono::seconds(20);
@@ -459,7 +459,8 @@ TEST(ScreenReader, readsAPartOfTheDesktop)
     EXPECT_EQ(canvas.count(green), 320 * 300);
     desktop.fill(window, { 0, 0, 1, 1 }, red);
     desktop.movePointer(319 + 100, 90 + 100);
-    EXPECT_TRUE(canvas.readUntil([&] { return canvas.at(0, 0) == red && canvas.at(100, 100) != green; })) << "the change and the cursor";
+    EXPECT_TRUE(canvas.readUntil([&] { return canvas.at(0, 0) == red && canvas.at(100, 100) != green; }))
+        << "the change and the cursor";
 }
 
 TEST(ScreenReader, endsWithTheReasonWhenItsDisplayIsGone)

@@ -9,7 +9,7 @@
 namespace vantry::test {
 
 /// Lets the event loop run until the condition holds, and says whether it did before the time was over.
-template<typename Condition>
+template <typename Condition>
 bool pumpUntil(Condition condition, std::chrono::milliseconds longest = std::chrono::seconds(20))
 {
     const QDeadlineTimer deadline(longest);
@@ -26,8 +26,8 @@ class EventLoopTest : public testing::Test {
 private:
     int m_argumentCount = 1;
     char m_name[5] = "test";
-    char* m_arguments[2] { m_name, nullptr };
-    QCoreApplication m_application { m_argumentCount, m_arguments };
+    char* m_arguments[2]{ m_name, nullptr };
+    QCoreApplication m_application{ m_argumentCount, m_arguments };
 };
 
 } // namespace vantry::test
