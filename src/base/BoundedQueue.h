@@ -51,7 +51,7 @@ public:
 
     void close()
     {
-        std::lock_guard lock(m_mutex);
+        const std::lock_guard lock(m_mutex);
         m_closed = true;
         m_changed.notify_all();
     }
@@ -60,7 +60,7 @@ public:
     void abandon()
     {
         std::deque<T> forgotten;
-        std::lock_guard lock(m_mutex);
+        const std::lock_guard lock(m_mutex);
         m_closed = true;
         forgotten.swap(m_values);
         m_changed.notify_all();

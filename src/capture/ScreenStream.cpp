@@ -38,7 +38,7 @@ public:
         if (!m_thread.joinable())
             return;
         {
-            std::lock_guard lock(m_mutex);
+            const std::lock_guard lock(m_mutex);
             m_stopping = true;
         }
         m_changed.notify_all();
@@ -84,7 +84,7 @@ private:
 
     bool isStopping()
     {
-        std::lock_guard lock(m_mutex);
+        const std::lock_guard lock(m_mutex);
         return m_stopping;
     }
 

@@ -74,7 +74,7 @@ void ExportRun::runStage(const std::function<void()>& stage)
         stage();
     } catch (...) {
         {
-            std::lock_guard lock(m_errorMutex);
+            const std::lock_guard lock(m_errorMutex);
             if (!m_error)
                 m_error = std::current_exception();
         }
