@@ -147,12 +147,12 @@ void SoundStream::Impl::process()
 }
 
 /// When the first of the samples was taken that this cycle has brought: what the device and the resampler hold back is on its way
-/// since then. In the first cycle that another device drives the server still tells the time of the one before, maybe long ago.
+/// since then. Before the first cycle there is no time; in the first cycle that another device drives the server still tells the time of the one before, maybe long ago.
 HostTime SoundStream::Impl::takenAt()
 {
     pw_time time{};
     const int result = pw_stream_get_time_n(m_stream.get(), &time, sizeof time);
-    if (result < 0 || time.rate.denom == 0 || std::exchange(m_cycle, time.now) == time.now)
+    if (result < 0 || time.rate.denom == 0 || time.now <= 0 || std::exchange(m_cycle, time.now) == time.now)
         return HostClock::now();
     const auto delay = std::chrono::duration<double>(static_cast<double>(time.delay) * time.rate.num / time.rate.denom);
     return HostTime{ HostDuration(time.now) } - std::chrono::round<HostDuration>(delay) - lengthOf(time.buffered);

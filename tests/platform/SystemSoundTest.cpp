@@ -135,12 +135,14 @@ TEST_F(SystemSoundTest, hearsSilenceWithoutHolesWhileNobodyPlays)
     const auto pieces = ear.pieces();
     // Silence of that length takes that long. A busy machine may miss a cycle; the stamps would say so.
     EXPECT_NEAR(seconds(pieces.back().taken - pieces.front().taken), seconds(ear.heard() - pieces.back().length()), 0.3);
+    std::size_t early = 0; // A cycle that came late is followed by one in a hurry.
     for (std::size_t i = 0; i < pieces.size(); ++i) {
         EXPECT_EQ(std::ranges::count(pieces[i].samples, 0), pieces[i].samples.size());
-        EXPECT_LT(pieces[i].taken, pieces[i].arrived);
-        const auto earliest = i > 0 ? pieces[i - 1].taken + pieces[i - 1].length() - 2ms : start - 50ms;
-        EXPECT_GT(pieces[i].taken, earliest);
+        EXPECT_LE(pieces[i].taken, pieces[i].arrived);
+        EXPECT_GT(pieces[i].taken, start - 200ms);
+        early += i > 0 && pieces[i].taken < pieces[i - 1].taken + pieces[i - 1].length() - 2ms;
     }
+    EXPECT_LE(early, pieces.size() / 4);
     EXPECT_LT(ear.shortestDelay(), 10ms);
 }
 
