@@ -61,11 +61,15 @@ __attribute__((target("avx2"))) void verticalAvx2(
     for (int t = 0; t < taps; ++t)
         spread[t] = _mm256_set1_epi16(weights[t]);
     int i = 0;
-    for (; i + 16 <= count; i += 16) {
-        auto sum = weighted(rows[0] + i, spread[0]);
-        for (int t = 1; t < taps; ++t)
-            sum = _mm256_add_epi16(sum, weighted(rows[t] + i, spread[t]));
-        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + i), sum);
+    for (; i + 32 <= count; i += 32) {
+        auto first = _mm256_setzero_si256();
+        auto second = _mm256_setzero_si256();
+        for (int t = 0; t < taps; ++t) {
+            first = _mm256_add_epi16(first, weighted(rows[t] + i, spread[t]));
+            second = _mm256_add_epi16(second, weighted(rows[t] + i + 16, spread[t]));
+        }
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + i), first);
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + i + 16), second);
     }
     for (; i < count; ++i)
         out[i] = verticalSum(rows, i, weights, taps);
