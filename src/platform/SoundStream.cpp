@@ -147,7 +147,8 @@ void SoundStream::Impl::process()
 }
 
 /// When the first of the samples was taken that this cycle has brought: what the device and the resampler hold back is on its way
-/// since then. Before the first cycle there is no time; in the first cycle that another device drives the server still tells the time of the one before, maybe long ago.
+/// since then. Before the first cycle there is no time; in the first cycle that another device drives the server still tells the
+/// time of the one before, maybe long ago.
 HostTime SoundStream::Impl::takenAt()
 {
     pw_time time{};
