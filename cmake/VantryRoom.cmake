@@ -13,11 +13,13 @@ endif()
 
 # vantry_room(NAME [ROOMS room...] [LINK library...])
 #
-# One static library from every source of src/NAME. ROOMS are the rooms it may include, LINK what it uses from outside. All of it is
-# private: a room that needs another one says so itself.
+# One static library from every source of src/NAME but a main.cpp. ROOMS are the rooms it may include, LINK what it uses from outside.
+# All of it is private: a room that needs another one says so itself.
 function(vantry_room name)
     cmake_parse_arguments(ROOM "" "" "ROOMS;LINK" ${ARGN})
-    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.h)
+    set(folder ${PROJECT_SOURCE_DIR}/src/${name})
+    file(GLOB sources CONFIGURE_DEPENDS ${folder}/*.cpp ${folder}/*.h)
+    list(REMOVE_ITEM sources ${folder}/main.cpp)
     add_library(${name} STATIC ${sources})
     set_target_properties(${name} PROPERTIES OUTPUT_NAME vantry_${name})
     target_link_libraries(${name} PRIVATE vantry_settings ${ROOM_ROOMS} ${ROOM_LINK})
