@@ -1,5 +1,6 @@
 #include "capture/CaptureSession.h"
 
+#include "base/Background.h"
 #include "capture/CameraPictures.h"
 #include "platform/CameraStream.h"
 #include "platform/MicrophoneStream.h"
@@ -109,7 +110,7 @@ void CaptureSession::connect()
         });
     } catch (const AppError& error) {
         if (!std::exchange(m_hasToldOfServer, true))
-            tell(std::string(error.what()) + ". Camera and microphone cannot be used.");
+            tell(std::string(error.what()) + ". Start PipeWire to record camera and microphone.");
         return m_reminder.remindIn(reconnectWait);
     }
     m_hasToldOfServer = false;
@@ -226,6 +227,14 @@ bool CaptureSession::hasMic()
     return m_sessionQueue.sync([this] { return m_microphone.isTaken(); });
 }
 
+std::string CaptureSession::refusal()
+{
+    return m_sessionQueue.sync([this] {
+        const std::string camera = m_camera.refusal();
+        return camera.empty() ? m_microphone.refusal() : camera;
+    });
+}
+
 /// On the camera's thread.
 void CaptureSession::onPicture(const PictureSample& sample)
 {
@@ -254,14 +263,15 @@ MediaDeviceList CaptureSession::devices() const
     return m_list;
 }
 
-void CaptureSession::setOnDevices(std::function<void(const MediaDeviceList&)> handler)
+QFuture<bool> CaptureSession::setOnDevices(std::function<void(const MediaDeviceList&)> handler)
 {
-    m_sessionQueue.post([this, handler = std::move(handler)] {
+    return inBackground(m_sessionQueue, [this, handler = std::move(handler)] {
         const bool wasConnected = m_loop != nullptr;
         m_onDevices = handler;
         connect();
         if (m_onDevices && wasConnected)
             m_onDevices(devices());
+        return m_loop != nullptr;
     });
 }
 

@@ -11,6 +11,8 @@
 #include "platform/MediaDevices.h"
 #include "platform/PipeWireLoop.h"
 
+#include <QFuture>
+
 #include <atomic>
 #include <condition_variable>
 #include <functional>
@@ -51,6 +53,9 @@ public:
     std::optional<PictureSize> cameraSize();
     bool hasMic();
 
+    /// For the user: why the chosen camera or microphone, which is there, cannot be opened. Empty when all is well.
+    std::string refusal();
+
     /// The average power in dBFS, -160 without a microphone.
     float micPower() const { return m_meter.power(); }
 
@@ -58,8 +63,9 @@ public:
 
     MediaDeviceList devices() const;
 
-    /// Called on the session queue: now and after every change.
-    void setOnDevices(std::function<void(const MediaDeviceList&)> handler);
+    /// Called on the session queue: now and after every change. The future is done when the devices are known, or when there is no
+    /// media server, and says which.
+    QFuture<bool> setOnDevices(std::function<void(const MediaDeviceList&)> handler);
 
     /// Called on the session queue with what the user should know: a device is gone, or back, or cannot be used.
     void setOnStatus(std::function<void(const std::string& text)> handler);

@@ -15,6 +15,7 @@ constexpr HostDuration longWait = 2s;
 
 /// A stream that lived this long had not failed to open.
 constexpr HostDuration soundLife = 5s;
+constexpr HostDuration openingTime = 1s;
 
 } // namespace
 
@@ -26,8 +27,7 @@ void DeviceSlot::want(const std::optional<std::string>& id)
     m_wanted = id;
     m_device.reset();
     m_presence = Presence::There;
-    m_failures = 0;
-    m_retryAt = {};
+    forgiveFailures();
 }
 
 void DeviceSlot::update(const std::vector<MediaDevice>& there, bool shouldRun)
@@ -35,6 +35,8 @@ void DeviceSlot::update(const std::vector<MediaDevice>& there, bool shouldRun)
     const auto device = m_wanted ? std::ranges::find(there, *m_wanted, &MediaDevice::id) : there.end();
     const bool isThere = device != there.end();
     notePresence(isThere ? &*device : nullptr, shouldRun);
+    if (!shouldRun)
+        forgiveFailures();
     if (!isThere || !shouldRun)
         return close();
     if (!m_stream && HostClock::now() >= m_retryAt)
@@ -50,11 +52,22 @@ void DeviceSlot::notePresence(const MediaDevice* device, bool shouldRun)
     if (presence == m_presence)
         return;
     m_presence = presence;
-    m_failures = 0;
-    m_retryAt = {};
+    forgiveFailures();
     if (shouldRun)
         m_actions.tell(m_device->name
             + (presence == Presence::Gone ? " is gone. Everything else goes on, and so does it when it is back." : " is back."));
+}
+
+std::string DeviceSlot::refusal() const
+{
+    const bool isWell = m_stream && HostClock::now() - m_opened >= openingTime;
+    return isWell || m_failures < failuresOfAMoment ? std::string() : m_refusal;
+}
+
+void DeviceSlot::forgiveFailures()
+{
+    m_failures = 0;
+    m_retryAt = {};
 }
 
 void DeviceSlot::open()
@@ -81,8 +94,10 @@ void DeviceSlot::fail(std::uint64_t number, const AppError& error)
     close();
     const auto now = HostClock::now();
     m_failures = now - m_opened >= soundLife ? 1 : m_failures + 1;
-    if (m_failures == failuresOfAMoment)
-        m_actions.tell(m_device->name + ": " + error.what());
+    if (m_failures == failuresOfAMoment) {
+        m_refusal = m_device->name + ": " + error.what() + ". Close what else uses it, or choose another one.";
+        m_actions.tell(m_refusal);
+    }
     const auto wait = m_failures < failuresOfAMoment ? shortWait : longWait;
     m_retryAt = now + wait;
     m_actions.retryIn(wait);

@@ -49,10 +49,14 @@ public:
     bool isTaken() const { return m_device.has_value(); }
     bool isOpen() const { return m_stream != nullptr; }
 
+    /// For the user: why the device, which is there, is refused and was before. Empty when all is well.
+    std::string refusal() const;
+
 private:
     enum class Presence { There, Gone };
 
     void notePresence(const MediaDevice* device, bool shouldRun);
+    void forgiveFailures();
     void open();
     void close();
 
@@ -65,6 +69,7 @@ private:
     HostTime m_opened;
     HostTime m_retryAt;
     int m_failures = 0; ///< In a row.
+    std::string m_refusal;
 };
 
 } // namespace vantry
