@@ -2,6 +2,7 @@
 
 #include "base/AppError.h"
 #include "base/HostTime.h"
+#include "model/CaptureDevices.h"
 #include "model/Coroutines.h"
 #include "model/ExportFlow.h"
 #include "model/Paths.h"
@@ -81,7 +82,8 @@ QCoro::Task<int> HeadlessRun::serve()
 QCoro::Task<> HeadlessRun::record(double wait)
 {
     const HostTime end = HostClock::now() + std::chrono::round<HostDuration>(std::chrono::duration<double>(wait));
-    m_model.listDisplays();
+    m_model.devices()->listDisplays();
+    co_await m_model.devices()->listDevices();
     m_model.record();
     if (underWay())
         say(u"Recording…"_s);

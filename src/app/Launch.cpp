@@ -1,6 +1,7 @@
 #include "app/Launch.h"
 
 #include "base/HostTime.h"
+#include "model/CaptureDevices.h"
 #include "model/Coroutines.h"
 #include "selftest/RetakeCancel.h"
 
@@ -31,7 +32,10 @@ QCoro::Task<> Launch::run()
         co_return;
     }
     m_hotKeys.install([this](std::uint32_t id) { m_model.hotkey(id); });
-    m_model.listDisplays();
+    m_model.devices()->startMeter();
+    co_await m_model.devices()->listDevices();
+    m_model.devices()->startCamera();
+    m_model.devices()->listDisplays();
     if (m_line.retakeCancel) {
         RetakeCancel check(m_model, *m_line.retakeCancel);
         const bool passed = co_await check.run();

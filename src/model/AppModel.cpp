@@ -1,8 +1,8 @@
 #include "model/AppModel.h"
 
-#include "base/Log.h"
 #include "capture/HotKeys.h"
 #include "capture/Recorder.h"
+#include "model/CaptureDevices.h"
 #include "model/ChangeTo.h"
 #include "model/Coroutines.h"
 #include "model/EditingCommands.h"
@@ -29,7 +29,8 @@ AppModel::AppModel(Options options)
     : m_storage(std::move(options.root))
     , m_settings(options.settingsFile)
     , m_recorder(std::make_unique<Recorder>())
-    , m_recording(std::make_unique<RecordingFlow>(*this, *m_recorder))
+    , m_devices(std::make_unique<CaptureDevices>(*this, *m_recorder))
+    , m_recording(std::make_unique<RecordingFlow>(*this, *m_recorder, *m_devices))
     , m_export(std::make_unique<ExportFlow>(*this, std::move(options.reveal)))
     , m_editing(std::make_unique<EditingCommands>(*this, *m_recorder))
 {
@@ -60,7 +61,7 @@ AppModel::~AppModel() = default;
 
 void AppModel::open(const fs::path& folder)
 {
-    if (!idle())
+    if (!isIdle())
         return;
     try {
         setProject(loadProject(folder));
@@ -124,11 +125,12 @@ void AppModel::save()
 
 void AppModel::newRecording()
 {
-    if (!idle())
+    if (!isIdle())
         return;
     setProject(std::nullopt);
     setFolder(std::nullopt);
     setPhase(Phase::setup());
+    m_devices->startCamera();
 }
 
 void AppModel::record(std::optional<double> cutAt)
@@ -259,26 +261,10 @@ QCoro::Task<> AppModel::finishAndQuit()
         Q_EMIT readyToQuit();
 }
 
-void AppModel::listDisplays()
-{
-    try {
-        m_displays = vantry::displays();
-        Q_EMIT displaysChanged();
-    } catch (const std::exception& error) {
-        qCInfo(logModel) << "no displays:" << error.what();
-        return;
-    }
-    const auto chosen = std::ranges::find(m_displays, m_settings.displayID(), &Display::id);
-    if (chosen == m_displays.end() && !m_displays.empty())
-        m_settings.setDisplayID(m_displays.front().id);
-}
-
 std::optional<Display> AppModel::screen() const
 {
     try {
-        const std::vector<Display> found = vantry::displays();
-        const auto chosen = std::ranges::find(found, m_settings.displayID(), &Display::id);
-        return found.empty() ? std::nullopt : std::optional(chosen == found.end() ? found.front() : *chosen);
+        return m_devices->chosenDisplay();
     } catch (const std::exception&) {
         return std::nullopt;
     }

@@ -23,6 +23,7 @@
 
 namespace vantry {
 
+class CaptureDevices;
 class EditingCommands;
 class ExportFlow;
 class FieldBinding;
@@ -36,6 +37,7 @@ enum class Rebuild { No, Yes };
 /// through `edit`. Belongs to the main thread; a write of the value that is already held notifies nobody.
 class AppModel : public QObject {
     Q_OBJECT
+    Q_MOC_INCLUDE("model/CaptureDevices.h")
     Q_MOC_INCLUDE("model/FieldBinding.h")
     Q_PROPERTY(vantry::Phase phase READ phase NOTIFY phaseChanged)
     Q_PROPERTY(QString folder READ folderText NOTIFY folderChanged)
@@ -52,6 +54,7 @@ class AppModel : public QObject {
     Q_PROPERTY(QVariant exportProgress READ exportProgressValue NOTIFY exportProgressChanged)
     Q_PROPERTY(QStringList recent READ recentFolders NOTIFY recentChanged)
     Q_PROPERTY(vantry::Settings* settings READ settings CONSTANT)
+    Q_PROPERTY(vantry::CaptureDevices* devices READ devices CONSTANT)
 
 public:
     struct Options {
@@ -66,6 +69,9 @@ public:
 
     // What the views watch.
     Phase phase() const { return m_phase; }
+
+    /// No recording is under way, nor about to be.
+    bool isIdle() const { return m_phase == Phase::setup() || m_phase == Phase::editing(); }
     const std::optional<Project>& project() const { return m_project; }
     const std::optional<std::filesystem::path>& folder() const { return m_folder; }
 
@@ -88,7 +94,6 @@ public:
 
     /// From 0 to 1 while an export runs.
     std::optional<double> exportProgress() const { return m_exportProgress; }
-    const std::vector<Display>& displays() const { return m_displays; }
 
     /// The chosen display as it is now, else the first. Nothing where there is none.
     std::optional<Display> screen() const;
@@ -100,6 +105,7 @@ public:
     double bubbleSize() const;
 
     Settings* settings() { return &m_settings; }
+    CaptureDevices* devices() { return m_devices.get(); }
     Recorder& recorder() { return *m_recorder; }
     RecordingFlow& recording() { return *m_recording; }
     ExportFlow& exporting() { return *m_export; }
@@ -172,9 +178,6 @@ public:
     /// Finishes what must not be lost and then says `readyToQuit`.
     Q_INVOKABLE void quit();
 
-    /// Finds the displays, and chooses the first where the chosen one is not among them. Without any the list stays empty.
-    void listDisplays();
-
     // For the flows.
     void setPhase(Phase phase);
     void setLiveTime(double time);
@@ -199,7 +202,6 @@ Q_SIGNALS:
     void statusChanged();
     void liveLayoutChanged();
     void exportProgressChanged();
-    void displaysChanged();
     void recentChanged();
     void readyToQuit();
 
@@ -217,7 +219,6 @@ private:
     QVariant exportProgressValue() const { return m_exportProgress ? QVariant(*m_exportProgress) : QVariant(); }
     QStringList recentFolders() const;
 
-    bool idle() const { return m_phase == Phase::setup() || m_phase == Phase::editing(); }
     void setProject(std::optional<Project> project);
     void setFolder(const std::optional<std::filesystem::path>& folder);
     void save();
@@ -237,10 +238,10 @@ private:
     std::optional<QString> m_busy;
     std::optional<QString> m_status;
     std::optional<double> m_exportProgress;
-    std::vector<Display> m_displays;
     std::optional<double> m_pendingSeek;
 
     std::unique_ptr<Recorder> m_recorder;
+    std::unique_ptr<CaptureDevices> m_devices;
     std::unique_ptr<RecordingFlow> m_recording;
     std::unique_ptr<ExportFlow> m_export;
     std::unique_ptr<EditingCommands> m_editing;

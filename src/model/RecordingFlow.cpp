@@ -3,6 +3,7 @@
 #include "base/AppError.h"
 #include "capture/Recorder.h"
 #include "model/AppModel.h"
+#include "model/CaptureDevices.h"
 #include "model/Coroutines.h"
 #include "project/Edits.h"
 #include "project/Timeline.h"
@@ -29,9 +30,10 @@ constexpr auto startFailed = "Could not start recording: "_L1;
 
 } // namespace
 
-RecordingFlow::RecordingFlow(AppModel& model, Recorder& recorder)
+RecordingFlow::RecordingFlow(AppModel& model, Recorder& recorder, CaptureDevices& devices)
     : m_model(model)
     , m_recorder(recorder)
+    , m_devices(devices)
 {
     m_clock.setInterval(clockInterval);
     connect(&m_clock, &QTimer::timeout, this, &RecordingFlow::tick);
@@ -39,7 +41,7 @@ RecordingFlow::RecordingFlow(AppModel& model, Recorder& recorder)
 
 void RecordingFlow::record(std::optional<double> cutAt)
 {
-    if (m_model.phase() != Phase::setup() && m_model.phase() != Phase::editing())
+    if (!m_model.isIdle())
         return;
     launch(startClip(cutAt), [flow = QPointer(this)](const QString& description) {
         if (flow)
@@ -75,7 +77,8 @@ void RecordingFlow::startOrStop()
 QCoro::Task<> RecordingFlow::startClip(std::optional<double> cutAt)
 {
     const QPointer<RecordingFlow> self(this);
-    if (!permissionsOK())
+    // Whoever asked twice meanwhile finds the countdown begun.
+    if (!co_await permissionsOK() || !self || !m_model.isIdle())
         co_return;
     const Phase before = m_model.phase();
     if (!m_model.project() || m_model.project()->clips.empty())
@@ -96,6 +99,9 @@ QCoro::Task<> RecordingFlow::startClip(std::optional<double> cutAt)
     if (!self)
         co_return;
     m_model.setPhase(before);
+    // In setup it is what the preview shows.
+    if (before == Phase::editing())
+        m_devices.stopCamera();
     if (m_model.project() && m_model.project()->clips.empty())
         m_model.dropEmptyProject();
     if (failure)
@@ -106,7 +112,7 @@ QCoro::Task<> RecordingFlow::startClip(std::optional<double> cutAt)
 QCoro::Task<RecordingFlow::Start> RecordingFlow::countDownAndBegin(std::optional<double> cutAt)
 {
     const QPointer<RecordingFlow> self(this);
-    // The screen stream starts while the presenter is counted in.
+    // Camera, microphone and screen stream start while the presenter is counted in.
     const QCoro::Task<> capture = startCapture();
     co_await countDown();
     co_await capture;
@@ -136,23 +142,32 @@ QCoro::Task<> RecordingFlow::countDown()
 
 QCoro::Task<> RecordingFlow::startCapture()
 {
-    const std::vector<Display> found = displays();
-    if (found.empty())
+    m_devices.startCamera();
+    const std::optional<Display> display = m_devices.chosenDisplay();
+    if (!display)
         throw AppError("No display found");
-    const auto chosen = std::ranges::find(found, m_model.settings()->displayID(), &Display::id);
     m_recorder.setCaptureSystemAudio(m_model.settings()->systemAudio());
-    co_await m_recorder.startScreen(chosen == found.end() ? found.front() : *chosen);
+    co_await m_recorder.startScreen(*display);
 }
 
-/// Whether the screen can be recorded at all. Says why not.
-bool RecordingFlow::permissionsOK()
+/// Whether what is chosen can be recorded. Says why not.
+QCoro::Task<bool> RecordingFlow::permissionsOK()
 {
+    const QPointer<RecordingFlow> self(this);
+    co_await m_devices.listDevices();
+    if (!self)
+        co_return false;
+    const std::string refusal = m_recorder.session().refusal();
+    if (refusal != std::exchange(m_toldRefusal, refusal) && !refusal.empty()) {
+        report(QString::fromStdString(refusal) + u" Press Record again to record without it."_s);
+        co_return false;
+    }
     try {
-        displays();
-        return true;
+        m_devices.chosenDisplay();
+        co_return true;
     } catch (const std::exception& error) {
         report(startFailed + describe(error));
-        return false;
+        co_return false;
     }
 }
 
@@ -196,6 +211,8 @@ QCoro::Task<> RecordingFlow::finishClip()
         report(u"The last clip could not be saved."_s);
     m_currentFile.reset();
     co_await m_recorder.stopScreen();
+    if (self)
+        m_devices.stopCamera();
 }
 
 /// The clip's length; nothing when its file could not be completed.

@@ -11,16 +11,17 @@
 namespace vantry {
 
 class AppModel;
+class CaptureDevices;
 class Recorder;
 
-/// Turns the presenter's commands into clips: checks that recording is possible, counts down while the screen stream starts, cuts
+/// Turns the presenter's commands into clips: checks that recording is possible, counts down while the sources start, cuts
 /// for a retake, keeps the live clock, and appends the finished clip to the project. Belongs to the main thread.
 class RecordingFlow : public QObject {
     Q_OBJECT
 
 public:
-    /// Both outlive the flow.
-    RecordingFlow(AppModel& model, Recorder& recorder);
+    /// All of them outlive the flow.
+    RecordingFlow(AppModel& model, Recorder& recorder, CaptureDevices& devices);
 
     /// Starts a clip; with a time, the project is cut there before. Accepted in setup and editing only.
     void record(std::optional<double> cutAt);
@@ -47,7 +48,7 @@ private:
     QCoro::Task<> stopAndReview(double back);
     QCoro::Task<std::optional<double>> endClip();
 
-    bool permissionsOK();
+    QCoro::Task<bool> permissionsOK();
     void beginClip();
     void appendClip(double duration);
     std::string unusedClipName() const;
@@ -57,9 +58,11 @@ private:
 
     AppModel& m_model;
     Recorder& m_recorder;
+    CaptureDevices& m_devices;
     QTimer m_clock;
     std::optional<std::string> m_currentFile;
     bool m_startCancelled = false;
+    std::string m_toldRefusal; ///< Whoever records all the same knows it.
 };
 
 } // namespace vantry

@@ -1,5 +1,7 @@
+#include "model/CaptureDevices.h"
 #include "model/ModelTest.h"
 #include "project/Timeline.h"
+#include "support/MediaServer.h"
 #include "support/MovieProbe.h"
 #include "support/XServer.h"
 
@@ -25,12 +27,13 @@ QByteArray contents(const fs::path& file)
     return opened.open(QIODevice::ReadOnly) ? opened.readAll() : QByteArray();
 }
 
-/// Records a small screen of its own.
+/// Records a small screen of its own, with a media server that has no devices.
 class RecordingTest : public test::ModelTest {
 protected:
     RecordingTest()
     {
         QObject::connect(&m_model, &AppModel::phaseChanged, &m_model, [this] { m_phases.push_back(m_model.phase()); });
+        QCoro::waitFor(m_model.devices()->listDevices());
     }
 
     bool reaches(Phase phase)
@@ -50,6 +53,7 @@ protected:
         ASSERT_THAT(alert(), IsEmpty());
     }
 
+    test::MediaServer m_server;
     test::XServer m_screen{ 320, 240 };
     std::vector<Phase> m_phases;
 };

@@ -1,0 +1,86 @@
+#pragma once
+
+#include "model/CameraMirror.h"
+#include "platform/Displays.h"
+#include "platform/MediaDevices.h"
+
+#include <QCoroTask>
+#include <QFuture>
+#include <QObject>
+#include <QTimer>
+#include <QVariantList>
+
+#include <optional>
+#include <vector>
+
+namespace vantry {
+
+class AppModel;
+class Recorder;
+
+/// What can be recorded from: displays, cameras and microphones, which of them the settings choose, and what camera and microphone
+/// give right now. Belongs to the main thread.
+class CaptureDevices : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QVariantList cameras READ camerasForViews NOTIFY camerasChanged)
+    Q_PROPERTY(QVariantList mics READ micsForViews NOTIFY micsChanged)
+    Q_PROPERTY(double micLevel READ micLevel NOTIFY micLevelChanged)
+    Q_PROPERTY(vantry::CameraMirror* mirror READ mirror CONSTANT)
+
+public:
+    /// Both outlive the devices.
+    CaptureDevices(AppModel& model, Recorder& recorder);
+
+    const std::vector<Display>& displays() const { return m_displays; }
+    const std::vector<MediaDevice>& cameras() const { return m_devices.cameras; }
+    const std::vector<MediaDevice>& mics() const { return m_devices.microphones; }
+
+    /// How loud the microphone is, from 0 to 1: the last 60 dB below full scale.
+    double micLevel() const { return m_micLevel; }
+    CameraMirror* mirror() { return &m_mirror; }
+
+    /// The chosen display as it is now, else the first. Nothing where there is none. Throws AppError when nobody knows the
+    /// displays.
+    std::optional<Display> chosenDisplay() const;
+
+    /// Finds the displays, and chooses the first where the chosen one is not among them. Without any the list stays empty.
+    void listDisplays();
+
+    /// Finds cameras and microphones, and chooses others where the chosen ones are not among them. From then on the lists follow
+    /// what comes and goes. Done when they are known, or when there is no media server, which the status tells.
+    QCoro::Task<> listDevices();
+
+    /// Opens the chosen camera and microphone, else the first and the system's own, now and whenever the choice changes.
+    void startCamera();
+    void stopCamera();
+
+    /// Keeps `micLevel` up to date.
+    void startMeter() { m_meter.start(); }
+
+Q_SIGNALS:
+    void displaysChanged();
+    void camerasChanged();
+    void micsChanged();
+    void micLevelChanged();
+
+private:
+    QVariantList camerasForViews() const;
+    QVariantList micsForViews() const;
+    void take(const MediaDeviceList& devices);
+    void configure();
+    void reconfigure();
+    void measure();
+
+    AppModel& m_model;
+    Recorder& m_recorder;
+    CameraMirror m_mirror;
+    QTimer m_meter;
+    std::vector<Display> m_displays;
+    MediaDeviceList m_devices;
+    double m_micLevel = 0;
+    std::optional<QFuture<bool>> m_listing; ///< Whether there is a media server.
+    bool m_isListed = false;
+    bool m_isRunning = false;
+};
+
+} // namespace vantry
