@@ -20,8 +20,15 @@ open_terminal() {
     timeout 10 bash -c 'until xwininfo -name typing; do sleep 0.05; done' >/dev/null 2>&1
 }
 
+# The presenter is the test camera, in the bubble.
+choose_layout() {
+    mkdir -p "$XDG_CONFIG_HOME/vantry"
+    echo 'layout=bubble' >"$XDG_CONFIG_HOME/vantry/settings.ini"
+}
+
 if [[ $1 == --type ]]; then
     type_text
 fi
 open_terminal
+choose_layout
 "$1" --autorecord 10 --export "$2"

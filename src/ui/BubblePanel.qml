@@ -1,10 +1,11 @@
 import QtQuick
 import Vantry
 
-/// The presenter's mirror, round, where the bubble is in the video. It goes to a new place smoothly while it can be seen.
+/// What the camera sees, round, where the bubble is in the video. It goes to a new place smoothly while it can be seen.
 FloatingPanel {
     id: panel
 
+    required property CameraMirror mirror
     required property bool shown
     required property rect place
     property rect current: place
@@ -23,5 +24,8 @@ FloatingPanel {
         PropertyAnimation { duration: 220; easing.type: Easing.InOutQuad }
     }
 
-    CameraPreview { anchors { fill: parent; margins: 2 } }
+    CameraPreview {
+        anchors { fill: parent; margins: 2 }
+        mirror: panel.mirror
+    }
 }

@@ -1,10 +1,14 @@
 import QtQuick
 import QtQuick.Controls.impl
+import Vantry
 
-/// The place of the camera's picture.
+/// The live camera, round, or its place while it delivers nothing.
 Rectangle {
+    id: frame
+
+    required property CameraMirror mirror
+
     radius: width / 2
-    border { color: Theme.ink; width: 3 }
     gradient: Gradient {
         GradientStop { position: 0; color: Theme.raised }
         GradientStop { position: 1; color: Theme.canvas }
@@ -12,8 +16,26 @@ Rectangle {
 
     IconImage {
         anchors.centerIn: parent
+        visible: !image.isLive
         source: "qrc:/icons/user-round.svg"
         color: Theme.inkSecondary
         sourceSize { width: parent.width * 0.4; height: parent.height * 0.4 }
+    }
+
+    CameraImage {
+        id: image
+
+        anchors.fill: parent
+        mirror: frame.mirror
+        radius: frame.radius
+        Accessible.role: Accessible.Graphic
+        Accessible.name: "Camera"
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        radius: frame.radius
+        color: "transparent"
+        border { color: Theme.ink; width: 3 }
     }
 }

@@ -13,9 +13,17 @@ RowLayout {
 
     RecordingLight { seconds: row.model.liveTime }
 
-    Clock {
+    Column {
         Layout.minimumWidth: 52
-        seconds: row.model.liveTime
+        spacing: 5
+
+        Clock { seconds: row.model.liveTime }
+
+        MicMeter {
+            width: 52
+            height: 4
+            level: row.model.devices.micLevel
+        }
     }
 
     LayoutSegments {

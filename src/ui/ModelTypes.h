@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/AppModel.h"
+#include "model/CaptureDevices.h"
 #include "model/FieldBinding.h"
 
 #include <QtQml/qqml.h>
@@ -21,6 +22,20 @@ struct SettingsType {
     QML_FOREIGN(vantry::Settings)
     QML_NAMED_ELEMENT(Settings)
     QML_UNCREATABLE("They belong to the model.")
+};
+
+struct CaptureDevicesType {
+    Q_GADGET
+    QML_FOREIGN(vantry::CaptureDevices)
+    QML_NAMED_ELEMENT(CaptureDevices)
+    QML_UNCREATABLE("They belong to the model.")
+};
+
+struct CameraMirrorType {
+    Q_GADGET
+    QML_FOREIGN(vantry::CameraMirror)
+    QML_NAMED_ELEMENT(CameraMirror)
+    QML_UNCREATABLE("It belongs to the devices.")
 };
 
 struct FieldBindingType {

@@ -16,6 +16,7 @@ QtObject {
     }
 
     readonly property BubblePanel bubble: BubblePanel {
+        mirror: panels.model.devices.mirror
         shown: panels.plan.bubbleShown
         place: panels.plan.bubblePlace
     }

@@ -25,6 +25,12 @@ ColumnLayout {
         font.pixelSize: Theme.fontSize
     }
 
+    LayoutSegments {
+        Layout.alignment: Qt.AlignHCenter
+        value: screen.model.liveLayout
+        onChosen: value => screen.model.setLayout(value)
+    }
+
     Label {
         Layout.topMargin: Theme.gap * 2
         Layout.alignment: Qt.AlignHCenter

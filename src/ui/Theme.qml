@@ -15,6 +15,8 @@ QtObject {
     readonly property color selected: "#334568"
     readonly property color selectedInk: "#e1e9ff"
     readonly property color recording: "#ff667a"
+    readonly property color amber: "#edc17a"
+    readonly property color success: "#77d8b3"
 
     readonly property int gap: 12
     readonly property int radius: 7

@@ -1,3 +1,6 @@
+#include "capture/CameraPreview.h"
+#include "media/Picture.h"
+#include "model/CameraMirror.h"
 #include "support/PumpUntil.h"
 
 #include <QGuiApplication>
@@ -24,10 +27,12 @@ TEST(BubblePanel, goesToANewPlaceSmoothlyWhileItIsSeen)
     char name[] = "test";
     char* arguments[]{ name, nullptr };
     const QGuiApplication application(count, arguments);
+    CameraPreview camera;
+    CameraMirror mirror(camera);
     QQmlEngine engine;
     QQmlComponent component(&engine, QUrl(u"qrc:/qt/qml/Vantry/BubblePanel.qml"_s));
-    const std::unique_ptr<QObject> object(
-        component.createWithInitialProperties({ { u"shown"_s, false }, { u"place"_s, QRectF(10, 20, 260, 260) } }));
+    const std::unique_ptr<QObject> object(component.createWithInitialProperties(
+        { { u"mirror"_s, QVariant::fromValue(&mirror) }, { u"shown"_s, false }, { u"place"_s, QRectF(10, 20, 260, 260) } }));
     ASSERT_TRUE(object) << component.errorString().toStdString();
     auto& window = dynamic_cast<QQuickWindow&>(*object);
     std::set<int> widths;
@@ -44,6 +49,21 @@ TEST(BubblePanel, goesToANewPlaceSmoothlyWhileItIsSeen)
     window.setProperty("place", QRectF(400, 300, 200, 200));
     ASSERT_TRUE(pumpUntil([&] { return window.geometry() == QRect(400, 300, 200, 200); }));
     EXPECT_GT(widths.size(), 3);
+
+    // What the camera sees is there with its next picture, and round.
+    PictureBuffer orange(640, 360);
+    orange.fill(120, 60, 180);
+    camera.set(PictureSample{ std::move(orange).share(), HostClock::now() });
+    const QColor expected(214, 108, 0);
+    const auto isOrange = [&](int x, int y) {
+        const QColor seen = window.grabWindow().pixelColor(x, y);
+        return std::abs(seen.red() - expected.red()) < 12 && std::abs(seen.green() - expected.green()) < 12;
+    };
+    EXPECT_TRUE(pumpUntil([&] { return isOrange(100, 100); }));
+    EXPECT_TRUE(isOrange(100, 8));
+    EXPECT_FALSE(isOrange(8, 8));
+    camera.set({});
+    EXPECT_TRUE(pumpUntil([&] { return !isOrange(100, 8); }));
 }
 
 } // namespace vantry

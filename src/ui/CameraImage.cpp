@@ -1,0 +1,82 @@
+#include "ui/CameraImage.h"
+
+#include "model/ChangeTo.h"
+
+#include <QPainter>
+#include <QQuickWindow>
+#include <QSGImageNode>
+
+#include <algorithm>
+
+namespace vantry {
+
+namespace {
+
+QImage withRoundCorners(const QImage& image, double radius)
+{
+    if (image.isNull() || radius <= 0)
+        return image;
+    QImage rounded(image.size(), QImage::Format_ARGB32_Premultiplied);
+    rounded.fill(Qt::transparent);
+    QPainter painter(&rounded);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(image);
+    painter.drawRoundedRect(rounded.rect(), radius, radius);
+    return rounded;
+}
+
+} // namespace
+
+CameraImage::CameraImage(QQuickItem* parent)
+    : QQuickItem(parent)
+{
+    setFlag(ItemHasContents);
+}
+
+void CameraImage::setMirror(CameraMirror* mirror)
+{
+    if (!changeTo(m_mirror, mirror))
+        return;
+    connect(m_mirror, &CameraMirror::changed, this, &QQuickItem::polish);
+    polish();
+    Q_EMIT mirrorChanged();
+}
+
+void CameraImage::geometryChange(const QRectF& now, const QRectF& before)
+{
+    QQuickItem::geometryChange(now, before);
+    polish();
+}
+
+void CameraImage::updatePolish()
+{
+    if (!m_mirror || !window())
+        return;
+    const bool wasLive = isLive();
+    const double scale = window()->effectiveDevicePixelRatio();
+    m_image =
+        withRoundCorners(m_mirror->image((size() * scale).toSize()), std::min(m_radius, std::min(width(), height()) / 2) * scale);
+    if (isLive() != wasLive)
+        Q_EMIT isLiveChanged();
+    update();
+}
+
+QSGNode* CameraImage::updatePaintNode(QSGNode* old, UpdatePaintNodeData*)
+{
+    if (m_image.isNull()) {
+        delete old;
+        return nullptr;
+    }
+    auto* node = static_cast<QSGImageNode*>(old);
+    if (!node) {
+        node = window()->createImageNode();
+        node->setOwnsTexture(true);
+        node->setFiltering(QSGTexture::Linear);
+    }
+    node->setTexture(window()->createTextureFromImage(m_image));
+    node->setRect(boundingRect());
+    return node;
+}
+
+} // namespace vantry
