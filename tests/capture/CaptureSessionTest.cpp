@@ -88,8 +88,7 @@ TEST_F(CaptureSessionTest, everyFormatOfACameraBecomesTheSamePicture)
 {
     for (const auto* format : { "YUY2", "NV12", "I420", "BGRx", "MJPG" }) {
         const auto name = uniqueName("camera");
-        const DeviceProgram program("testcamera",
-            { QString::fromStdString(name), QStringLiteral("Camera"), QString::fromLatin1(format), QStringLiteral("960x540") });
+        const DeviceProgram program("testcamera", { name, "Camera", format, "960x540" });
         ASSERT_TRUE(awaitCamera(name, true)) << format;
         session.configure(name, {});
         session.startCamera();
@@ -159,7 +158,7 @@ TEST_F(CaptureSessionTest, aDeviceThatIsNotThereIsLeftOut)
 TEST_F(CaptureSessionTest, goesOnWithACameraThatWasAway)
 {
     const auto name = uniqueName("camera");
-    const QStringList arguments{ QString::fromStdString(name), QStringLiteral("Desk camera") };
+    const DeviceProgram::Arguments arguments{ name, "Desk camera" };
     std::optional<DeviceProgram> program(std::in_place, "testcamera", arguments);
     ASSERT_TRUE(awaitCamera(name, true));
     session.configure(name, "test-microphone");
@@ -214,7 +213,7 @@ TEST_F(CaptureSessionTest, findsTheMediaServerWhenItComesAndWhenItIsBack)
 
     server->start();
     EXPECT_TRUE(pumpUntil([&] { return lists == 1; }));
-    const DeviceProgram camera("testcamera", { QStringLiteral("lonely-camera") });
+    const DeviceProgram camera("testcamera", { "lonely-camera" });
     EXPECT_TRUE(pumpUntil([&] { return session.devices().hasCamera("lonely-camera"); }));
     server->kill();
     EXPECT_TRUE(pumpUntil([&] { return statuses.count() == 2; }));

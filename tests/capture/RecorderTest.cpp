@@ -87,8 +87,8 @@ TEST_F(RecorderTest, aClipHasTheCameraAndTheMicrophone)
 TEST_F(RecorderTest, aCameraThatGoesAwayLeavesItsLastPictureAndTheRestGoesOn)
 {
     const auto name = uniqueName("camera");
-    std::optional<DeviceProgram> program(std::in_place, "testcamera",
-        QStringList{ QString::fromStdString(name), QStringLiteral("Camera"), QStringLiteral("NV12"), QStringLiteral("320x240") });
+    std::optional<DeviceProgram> program(
+        std::in_place, "testcamera", DeviceProgram::Arguments{ name, "Camera", "NV12", "320x240" });
     startScreen();
     awaitDevice(name);
     auto& session = recorder.session();

@@ -2,6 +2,7 @@
 
 #include "desktop/CameraPattern.h"
 #include "desktop/PipeWireLoop.h"
+#include "support/Command.h"
 
 #include <QImage>
 
@@ -19,17 +20,6 @@
 namespace vantry {
 
 namespace {
-
-std::string outputOf(const std::string& command)
-{
-    std::string output;
-    FILE* pipe = popen(command.c_str(), "r");
-    std::array<char, 4096> buffer;
-    while (std::size_t count = fread(buffer.data(), 1, buffer.size(), pipe))
-        output.append(buffer.data(), count);
-    pclose(pipe);
-    return output;
-}
 
 struct CameraFormat {
     const char* name;
@@ -176,23 +166,23 @@ class CameraOfTheDesktop : public testing::TestWithParam<CameraFormat> { };
 
 TEST(Desktop, hasAScreenAWindowManagerAndAPlaceOfItsOwn)
 {
-    EXPECT_THAT(outputOf("xdpyinfo"), testing::HasSubstr("1920x1080 pixels"));
-    EXPECT_THAT(outputOf("xprop -root _NET_SUPPORTING_WM_CHECK"), testing::HasSubstr("window id"));
+    EXPECT_THAT(test::runCommand("xdpyinfo"), testing::HasSubstr("1920x1080 pixels"));
+    EXPECT_THAT(test::runCommand("xprop -root _NET_SUPPORTING_WM_CHECK"), testing::HasSubstr("window id"));
     EXPECT_THAT(std::string(getenv("HOME")), testing::StartsWith(getenv("VANTRY_SESSION")));
 }
 
 TEST(Desktop, keepsSecrets)
 {
-    EXPECT_EQ(
-        outputOf("printf secret | secret-tool store --label=Test vantry desktop-test; secret-tool lookup vantry desktop-test"),
+    EXPECT_EQ(test::runCommand(
+                  "printf secret | secret-tool store --label=Test vantry desktop-test; secret-tool lookup vantry desktop-test"),
         "secret");
-    EXPECT_EQ(outputOf("secret-tool clear vantry desktop-test; secret-tool lookup vantry desktop-test"), "");
+    EXPECT_EQ(test::runCommand("secret-tool clear vantry desktop-test; secret-tool lookup vantry desktop-test || true"), "");
 }
 
 TEST(Desktop, theMicrophoneHearsASteadyTone)
 {
     const auto heard =
-        outputOf("timeout 10 pw-record --target test-microphone --format f32 --channels 1 --rate 48000 - | head -c 400000");
+        test::runCommand("timeout 10 pw-record --target test-microphone --format f32 --channels 1 --rate 48000 - | head -c 400000");
     std::vector<float> samples(heard.size() / sizeof(float));
     std::memcpy(samples.data(), heard.data(), samples.size() * sizeof(float));
     const auto loud = std::ranges::find_if(samples, [](float sample) { return std::abs(sample) > 0.2F; });

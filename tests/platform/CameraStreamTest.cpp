@@ -105,8 +105,7 @@ TEST_F(CameraStreamTest, takesFullHdAndKeepsTheTimeAtWhichAFrameWasTaken)
 TEST_F(CameraStreamTest, takesWhatTheCameraHas)
 {
     const auto name = uniqueName("camera");
-    const DeviceProgram program(
-        "testcamera", { QString::fromStdString(name), QStringLiteral("Small"), QStringLiteral("MJPG"), QStringLiteral("352x288") });
+    const DeviceProgram program("testcamera", { name, "Small", "MJPG", "352x288" });
     ASSERT_TRUE(awaitCamera(name));
     Viewer viewer(m_loop, name);
     ASSERT_TRUE(pumpUntil([&] { return viewer.hasSeen(3); }));
@@ -119,7 +118,7 @@ TEST_F(CameraStreamTest, takesWhatTheCameraHas)
 TEST_F(CameraStreamTest, aCameraThatGoesAwayStopsQuietlyAndANewStreamFindsItAgain)
 {
     const auto name = uniqueName("camera");
-    std::optional<DeviceProgram> program(std::in_place, "testcamera", QStringList{ QString::fromStdString(name) });
+    std::optional<DeviceProgram> program(std::in_place, "testcamera", DeviceProgram::Arguments{ name });
     ASSERT_TRUE(awaitCamera(name));
     Viewer viewer(m_loop, name);
     ASSERT_TRUE(pumpUntil([&] { return viewer.hasSeen(3); }));
@@ -127,7 +126,7 @@ TEST_F(CameraStreamTest, aCameraThatGoesAwayStopsQuietlyAndANewStreamFindsItAgai
     ASSERT_TRUE(pumpUntil([&] { return !m_devices.list().hasCamera(name); }));
     viewer.close();
 
-    program.emplace("testcamera", QStringList{ QString::fromStdString(name) });
+    program.emplace("testcamera", DeviceProgram::Arguments{ name });
     ASSERT_TRUE(awaitCamera(name));
     Viewer again(m_loop, name);
     EXPECT_TRUE(pumpUntil([&] { return again.hasSeen(3); }));

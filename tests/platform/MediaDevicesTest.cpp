@@ -44,8 +44,8 @@ TEST_F(MediaDevicesTest, devicesComeAndGo)
     std::atomic<int> changes = 0;
     MediaDevices devices(loop, [&](const MediaDeviceList&) { ++changes; });
     {
-        const DeviceProgram cameraProgram("testcamera", { QString::fromStdString(camera), QStringLiteral("Desk") });
-        const DeviceProgram microphoneProgram("testmicrophone", { QString::fromStdString(microphone), QStringLiteral("Headset") });
+        const DeviceProgram cameraProgram("testcamera", { camera, "Desk" });
+        const DeviceProgram microphoneProgram("testmicrophone", { microphone, "Headset" });
         EXPECT_TRUE(pumpUntil([&] { return devices.list().hasCamera(camera) && devices.list().hasMicrophone(microphone); }));
         EXPECT_THAT(devices.list().cameras, Contains(MediaDevice{ camera, "Desk" }));
         EXPECT_THAT(devices.list().microphones, Contains(MediaDevice{ microphone, "Headset" }));

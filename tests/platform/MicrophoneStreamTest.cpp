@@ -112,8 +112,7 @@ TEST_F(MicrophoneStreamTest, hearsTheToneInTrueTime)
 TEST_F(MicrophoneStreamTest, aClickIsStampedWithTheTimeAtWhichItWasHeard)
 {
     const auto name = uniqueName("microphone");
-    const DeviceProgram program(
-        "testmicrophone", { QString::fromStdString(name), QStringLiteral("Clicks"), QStringLiteral("clicks") });
+    const DeviceProgram program("testmicrophone", { name, "Clicks", "clicks" });
     ASSERT_TRUE(pumpUntil([&] { return m_devices.list().hasMicrophone(name); }));
     Listener listener(m_loop, name);
     ASSERT_TRUE(pumpUntil([&] { return listener.clicks().size() >= 3; }));

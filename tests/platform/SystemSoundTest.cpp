@@ -10,8 +10,6 @@
 #include <pipewire/pipewire.h>
 #include <spa/param/audio/format-utils.h>
 
-#include <QProcess>
-
 #include <array>
 #include <atomic>
 #include <optional>
@@ -96,17 +94,13 @@ class OtherSpeakers {
 public:
     OtherSpeakers()
     {
-        m_process.start(QStringLiteral("pw-loopback"),
-            { QStringLiteral("--capture-props=media.class=Audio/Sink node.name=other-speakers"),
-                QStringLiteral("--playback-props=node.autoconnect=false") });
         if (!pumpUntil([] { return test::runCommand("pw-cli ls Node").find("\"other-speakers\"") != std::string::npos; }))
             throw std::runtime_error("No other speakers");
         setDefault("other-speakers");
     }
     ~OtherSpeakers()
     {
-        m_process.kill();
-        m_process.waitForFinished();
+        m_program.end();
         setDefault("test-sink");
     }
 
@@ -116,7 +110,8 @@ private:
         test::runCommand("pw-metadata 0 default.configured.audio.sink '{ \"name\": \"" + name + "\" }'");
     }
 
-    QProcess m_process;
+    test::Program m_program{ { "pw-loopback", "--capture-props=media.class=Audio/Sink node.name=other-speakers",
+        "--playback-props=node.autoconnect=false" } };
 };
 
 class SystemSoundTest : public test::EventLoopTest {

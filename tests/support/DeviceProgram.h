@@ -1,12 +1,10 @@
 #pragma once
 
-#include "support/Command.h"
-
-#include <QProcess>
-#include <QStringList>
+#include "support/Program.h"
 
 #include <chrono>
 #include <string>
+#include <vector>
 
 namespace vantry::test {
 
@@ -20,23 +18,22 @@ inline std::string uniqueName(const std::string& base)
 /// the programs.
 class DeviceProgram {
 public:
-    DeviceProgram(const char* program, const QStringList& arguments)
-    {
-        m_process.setProcessChannelMode(QProcess::ForwardedChannels);
-        m_process.start(QStringLiteral(DEVICE_TOOLS "/") + QString::fromLatin1(program), arguments);
-        m_process.waitForStarted();
-    }
-    ~DeviceProgram()
-    {
-        m_process.kill();
-        m_process.waitForFinished();
-    }
+    using Arguments = std::vector<std::string>;
 
-    DeviceProgram(const DeviceProgram&) = delete;
-    DeviceProgram& operator=(const DeviceProgram&) = delete;
+    DeviceProgram(const std::string& program, const Arguments& arguments)
+        : m_program(command(program, arguments))
+    {
+    }
+    ~DeviceProgram() { m_program.end(SIGKILL); } // Pulled out, not put away.
 
 private:
-    QProcess m_process;
+    static Arguments command(const std::string& program, Arguments arguments)
+    {
+        arguments.insert(arguments.begin(), DEVICE_TOOLS "/" + program);
+        return arguments;
+    }
+
+    Program m_program;
 };
 
 /// A camera of the test's own with all formats and sizes: the desktop's is looked through by other tests too, in their formats.
@@ -46,7 +43,7 @@ public:
 
 private:
     const std::string m_name = uniqueName("camera");
-    const DeviceProgram m_program{ "testcamera", { QString::fromStdString(m_name), QStringLiteral("Own camera") } };
+    const DeviceProgram m_program{ "testcamera", { m_name, "Own camera" } };
 };
 
 } // namespace vantry::test

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "support/Program.h"
 #include "support/PumpUntil.h"
 #include "support/TemporaryFolder.h"
 
-#include <QProcess>
-
 #include <cstdlib>
+#include <optional>
 #include <stdexcept>
 
 namespace vantry::test {
@@ -27,15 +27,14 @@ public:
 
     void start()
     {
-        m_process.start(QStringLiteral("pipewire"), QStringList());
+        m_program.emplace(std::vector<std::string>{ "pipewire" });
         if (!pumpUntil([this] { return std::filesystem::exists(m_folder.path() / "pipewire-0"); }))
             throw std::runtime_error("No media server of our own");
     }
 
     void kill()
     {
-        m_process.kill();
-        m_process.waitForFinished();
+        m_program->end(SIGKILL);
         std::filesystem::remove(m_folder.path() / "pipewire-0");
     }
 
@@ -43,7 +42,7 @@ private:
     static constexpr const char* variable = "PIPEWIRE_RUNTIME_DIR";
 
     TemporaryFolder m_folder;
-    QProcess m_process;
+    std::optional<Program> m_program;
 };
 
 } // namespace vantry::test

@@ -1,12 +1,13 @@
 #include "support/MovieProbe.h"
 
+#include "support/Command.h"
+
 #include <array>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
-#include <memory>
 #include <sstream>
 #include <stdexcept>
 
@@ -14,29 +15,14 @@ namespace vantry::test {
 
 namespace {
 
-std::string outputOf(const std::string& command)
-{
-    struct Close {
-        void operator()(FILE* pipe) const { pclose(pipe); }
-    };
-    const std::unique_ptr<FILE, Close> pipe(popen(command.c_str(), "r"));
-    if (!pipe)
-        throw std::runtime_error("No " + command);
-    std::string output;
-    std::array<char, 65536> part;
-    while (const auto length = fread(part.data(), 1, part.size(), pipe.get()))
-        output.append(part.data(), length);
-    return output;
-}
-
 std::string probe(const std::filesystem::path& movie, const std::string& stream, const std::string& options)
 {
-    return outputOf("ffprobe -v error -select_streams " + stream + " " + options + " 'file:" + movie.string() + "'");
+    return runCommand("ffprobe -v error -select_streams " + stream + " " + options + " 'file:" + movie.string() + "'");
 }
 
 std::string decoded(const std::filesystem::path& movie, const std::string& stream, const std::string& options)
 {
-    return outputOf("ffmpeg -v fatal -nostdin -i 'file:" + movie.string() + "' -map 0:" + stream + " " + options + " -");
+    return runCommand("ffmpeg -v fatal -nostdin -i 'file:" + movie.string() + "' -map 0:" + stream + " " + options + " -");
 }
 
 std::uint32_t bigEndian(const char* bytes)

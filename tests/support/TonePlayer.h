@@ -1,7 +1,7 @@
 #pragma once
 
+#include "support/Program.h"
 #include "support/TemporaryFolder.h"
-#include "support/XServer.h"
 
 #include <optional>
 #include <vector>

@@ -1,27 +1,22 @@
 #include "support/XServer.h"
 
 #include <cerrno>
-#include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
 #include <poll.h>
 #include <stdexcept>
-#include <sys/prctl.h>
-#include <sys/wait.h>
 #include <system_error>
 #include <unistd.h>
-#include <utility>
+#include <vector>
 
 namespace vantry::test {
 
 namespace {
 
-constexpr int inheritedAs = 3;
-
 std::vector<std::string> serverCommand(int width, int height)
 {
     const auto size = std::to_string(width) + "x" + std::to_string(height) + "x24";
-    return { "Xvfb", "-displayfd", std::to_string(inheritedAs), "-screen", "0", size, "-nolisten", "tcp", "-noreset" };
+    return { "Xvfb", "-displayfd", std::to_string(Program::inheritedAs), "-screen", "0", size, "-nolisten", "tcp", "-noreset" };
 }
 
 /// The server writes its display number and a newline once it takes connections.
@@ -42,44 +37,6 @@ std::string environment(const char* variable)
 }
 
 } // namespace
-
-Program::Program(const std::vector<std::string>& command, int inherited)
-{
-    std::vector<char*> arguments;
-    for (const auto& word : command)
-        arguments.push_back(const_cast<char*>(word.c_str()));
-    arguments.push_back(nullptr);
-    m_pid = fork();
-    if (m_pid < 0)
-        throw std::system_error(errno, std::generic_category(), "fork");
-    if (m_pid > 0)
-        return;
-    // Whatever becomes of the test, nothing of it may live on or keep its files open.
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    const int null = open("/dev/null", O_RDWR);
-    for (const int fd : { STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO })
-        dup2(null, fd);
-    if (inherited >= 0)
-        dup2(inherited, inheritedAs);
-    close_range(inherited >= 0 ? inheritedAs + 1 : inheritedAs, ~0u, 0);
-    execvp(arguments[0], arguments.data());
-    _exit(127);
-}
-
-int Program::wait()
-{
-    int status = 0;
-    waitpid(std::exchange(m_pid, -1), &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-void Program::end()
-{
-    if (m_pid <= 0)
-        return;
-    ::kill(m_pid, SIGTERM);
-    wait();
-}
 
 XServer::XServer(int width, int height)
     : m_previous(environment("DISPLAY"))
