@@ -10,6 +10,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <malloc.h>
 
 namespace vantry {
 
@@ -56,6 +58,19 @@ bool hasTone(const std::vector<float>& samples, std::size_t from, std::size_t to
             [](float sample) { return std::abs(sample) > 0.1F && std::abs(sample) < 0.35F; });
     return static_cast<std::size_t>(loud) > (to - from) / 8;
 }
+
+std::size_t entries(const char* folder)
+{
+    using Iterator = std::filesystem::directory_iterator;
+    return static_cast<std::size_t>(std::distance(Iterator(folder), Iterator()));
+}
+
+/// What this process holds.
+struct Holdings {
+    std::size_t threads = entries("/proc/self/task");
+    std::size_t files = entries("/proc/self/fd");
+    std::size_t bytes = mallinfo2().uordblks + mallinfo2().hblkhd;
+};
 
 } // namespace
 
@@ -106,6 +121,32 @@ TEST_F(RecorderTest, aCameraThatGoesAwayLeavesItsLastPictureAndTheRestGoesOn)
     EXPECT_NEAR(test::probeEnd(file, "v:1"), *duration, 0.05);
     const auto sound = test::probeSound(file, "a:0");
     EXPECT_TRUE(hasTone(sound, sound.size() - 48000, sound.size()));
+}
+
+TEST_F(RecorderTest, oneRecordingAfterTheOtherHoldsNoMore)
+{
+    awaitDevice("test-camera");
+    recorder.setCaptureSystemAudio(true);
+    recorder.session().configure("test-camera", "test-microphone");
+    const auto recordClip = [&] {
+        recorder.session().startCamera();
+        startScreen();
+        ASSERT_TRUE(awaitCameraPicture());
+        record(0.3);
+        ASSERT_TRUE(finish());
+        recorder.stopScreen().waitForFinished();
+        recorder.session().stopCamera();
+        ASSERT_TRUE(pumpUntil([&] { return !recorder.session().preview().latest(); }));
+    };
+    for (int i = 0; i < 3; ++i)
+        recordClip();
+    const Holdings before;
+    for (int i = 0; i < 7; ++i)
+        recordClip();
+    EXPECT_TRUE(pumpUntil([&] { return Holdings().threads <= before.threads; })) << Holdings().threads << " > " << before.threads;
+    EXPECT_TRUE(pumpUntil([&] { return Holdings().files <= before.files; })) << Holdings().files << " > " << before.files;
+    constexpr std::size_t noise = 1 << 20;
+    EXPECT_LT(Holdings().bytes, before.bytes + noise);
 }
 
 TEST_F(RecorderTest, withoutDevicesTheScreenIsRecordedAlone)

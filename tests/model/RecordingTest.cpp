@@ -1,6 +1,9 @@
+#include "capture/HotKeys.h"
+#include "capture/Recorder.h"
 #include "model/CaptureDevices.h"
 #include "model/ModelTest.h"
 #include "project/Timeline.h"
+#include "support/Command.h"
 #include "support/MediaServer.h"
 #include "support/MovieProbe.h"
 #include "support/XServer.h"
@@ -110,6 +113,27 @@ TEST_F(RecordingTest, aRetakeTakesThePlaceOfWhatWasCutOff)
     EXPECT_THAT(clipJoins(saved), ElementsAre(0.5));
     EXPECT_TRUE(fs::exists(*m_model.folder() / saved.clips[1].file));
     EXPECT_NE(saved.clips[0].file, saved.clips[1].file);
+}
+
+TEST_F(RecordingTest, aKeySwitchesTheLayoutWhenItIsPressed)
+{
+    HotKeys keys([](const QString& trouble) { ADD_FAILURE() << trouble.toStdString(); });
+    keys.install([&](std::uint32_t id) { m_model.hotkey(id); });
+    m_model.record();
+    ASSERT_TRUE(reaches(Phase::recording())) << alert();
+    Recorder& recorder = m_model.recorder();
+    std::vector<double> late;
+    for (const std::string key : { "2", "3", "1", "2", "3" }) {
+        const double before = recorder.elapsed();
+        test::runCommand("xdotool key ctrl+alt+" + key);
+        const double after = recorder.elapsed();
+        ASSERT_TRUE(pumpUntil([&] { return m_model.project()->layouts.back().time >= before; }));
+        late.push_back(m_model.project()->layouts.back().time - after);
+        ASSERT_TRUE(pumpUntil([&] { return recorder.elapsed() > after + 0.2; }));
+    }
+    EXPECT_THAT(m_model.project()->layouts, SizeIs(1 + late.size()));
+    std::ranges::nth_element(late, late.begin() + 2);
+    EXPECT_LE(late[2], 0.05);
 }
 
 TEST_F(RecordingTest, aCancelledStartLeavesNothingBehind)
