@@ -8,6 +8,7 @@
 #include <charconv>
 #include <cmath>
 #include <numeric>
+#include <ranges>
 #include <string_view>
 #include <utility>
 
@@ -77,9 +78,9 @@ const Option* closestOption(std::string_view name)
     if (letters.empty())
         return nullptr;
     // The last of those that begin so: "-h" means the help.
-    for (auto option = options.rbegin(); option != options.rend(); ++option) {
-        if (option->name.substr(2).starts_with(letters))
-            return &*option;
+    for (const Option& option : std::views::reverse(options)) {
+        if (option.name.substr(2).starts_with(letters))
+            return &option;
     }
     const auto closest =
         std::ranges::min_element(options, {}, [&](const Option& option) { return editDistance(option.name.substr(2), letters); });

@@ -70,6 +70,7 @@ void AppModel::open(const fs::path& folder)
         return;
     }
     setFolder(folder);
+    m_devices->stopCamera();
     setPendingSeek(0);
     setPhase(Phase::editing());
     countRevisionUp();
