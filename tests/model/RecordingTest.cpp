@@ -124,12 +124,14 @@ TEST_F(RecordingTest, aKeySwitchesTheLayoutWhenItIsPressed)
     Recorder& recorder = m_model.recorder();
     std::vector<double> late;
     for (const std::string key : { "2", "3", "1", "2", "3" }) {
+        // Changes that lie close together would become one.
+        const double last = m_model.project()->layouts.back().time;
+        ASSERT_TRUE(pumpUntil([&] { return recorder.elapsed() > last + 0.2; }));
         const double before = recorder.elapsed();
         test::runCommand("xdotool key ctrl+alt+" + key);
         const double after = recorder.elapsed();
         ASSERT_TRUE(pumpUntil([&] { return m_model.project()->layouts.back().time >= before; }));
         late.push_back(m_model.project()->layouts.back().time - after);
-        ASSERT_TRUE(pumpUntil([&] { return recorder.elapsed() > after + 0.2; }));
     }
     EXPECT_THAT(m_model.project()->layouts, SizeIs(1 + late.size()));
     std::ranges::nth_element(late, late.begin() + 2);
