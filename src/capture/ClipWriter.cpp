@@ -60,8 +60,8 @@ enum class Phase { Writing, Finishing };
 } // namespace
 
 struct ClipWriter::State {
-    State(const std::filesystem::path& file, HostTime start)
-        : file(file)
+    State(std::filesystem::path path, HostTime start)
+        : file(std::move(path))
         , start(start)
     {
         soundUntil.fill(start);
