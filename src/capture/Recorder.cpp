@@ -176,6 +176,8 @@ void Recorder::onFinished(const ClipOutcome& outcome)
     qCInfo(logCapture) << "clip with" << screen.appended << "screen pictures," << screen.dropped << "dropped";
     if (!outcome.duration)
         qCWarning(logCapture) << "clip not completed:" << outcome.problem.c_str();
+    if (m_onClip)
+        m_onClip(outcome);
     m_captureQueue.post([this] { m_finishing.reset(); });
 }
 

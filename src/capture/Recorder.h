@@ -25,6 +25,7 @@ class Recorder {
 public:
     using StreamErrorHandler = std::function<void(const QString& description)>;
     using StatusHandler = std::function<void(const QString& text)>;
+    using ClipHandler = std::function<void(const ClipOutcome& outcome)>;
 
     Recorder() = default;
     ~Recorder();
@@ -35,6 +36,10 @@ public:
     /// Called on the capture queue with what the user should know of camera, microphone and other programs' sound. To be set before
     /// the first start.
     void setOnStatus(StatusHandler handler);
+
+    /// Called when a clip's file is complete, on a thread of its writer, before `endClip`'s future is done: how its tracks fared. To
+    /// be set before the first clip.
+    void setOnClip(ClipHandler handler) { m_onClip = std::move(handler); }
 
     /// Whether the next screen stream comes with other programs' sound; a running one stays as it is.
     void setCaptureSystemAudio(bool captured) { m_captureSystemAudio = captured; }
@@ -80,6 +85,7 @@ private:
 
     StreamErrorHandler m_onStreamError;
     StatusHandler m_onStatus;
+    ClipHandler m_onClip;
     bool m_captureSystemAudio = false; ///< Belongs to the main thread.
 
     // Belong to the screen queue.

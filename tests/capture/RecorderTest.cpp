@@ -151,11 +151,16 @@ TEST_F(RecorderTest, oneRecordingAfterTheOtherHoldsNoMore)
 
 TEST_F(RecorderTest, withoutDevicesTheScreenIsRecordedAlone)
 {
+    ClipOutcome outcome;
+    recorder.setOnClip([&](const ClipOutcome& told) { outcome = told; });
     startScreen();
     recorder.session().configure("no-such-camera", "no-such-microphone");
     recorder.session().startCamera();
     record(0.5);
-    ASSERT_TRUE(finish());
+    const auto duration = finish();
+    ASSERT_TRUE(duration);
+    EXPECT_EQ(outcome.duration, duration);
+    EXPECT_GE(outcome.counts[static_cast<std::size_t>(TrackKind::screen)].appended, 1);
     EXPECT_FALSE(test::probeStream(file, "v:0").empty());
     EXPECT_TRUE(test::probeStream(file, "v:1").empty());
     EXPECT_TRUE(test::probeStream(file, "a:0").empty());
