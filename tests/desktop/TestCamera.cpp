@@ -1,8 +1,9 @@
-// testcamera [NAME [DESCRIPTION [FORMAT [WIDTHxHEIGHT]]]]
+// testcamera [NAME [DESCRIPTION [FORMAT [WIDTHxHEIGHT [seconds]]]]]
 //
 // A camera on the media server that shows CameraPattern at 30 frames a second, as YUY2, NV12, I420, BGRx or MJPG in three sizes, or
 // only as FORMAT and in one size. As real cameras do, it drives its own graph, and each frame's header carries the time on
-// CLOCK_MONOTONIC at which it was taken. It works only while somebody looks.
+// CLOCK_MONOTONIC at which it was taken. It works only while somebody looks. With `seconds` it takes its frames at whole thirtieths
+// of a second of that clock, and its flash is on the frame of each whole second.
 
 #include "desktop/CameraPattern.h"
 #include "desktop/PipeWireLoop.h"
@@ -27,6 +28,7 @@ namespace vantry {
 namespace {
 
 constexpr int framesPerSecond = 30;
+constexpr int64_t second = 1000000000;
 constexpr spa_rectangle allSizes[] = { { 1280, 720 }, { 640, 480 }, { 1920, 1080 } };
 
 struct Format {
@@ -42,6 +44,7 @@ struct Abilities {
     std::string description = "Test camera";
     std::vector<Format> formats{ std::begin(allFormats), std::end(allFormats) };
     std::vector<spa_rectangle> sizes{ std::begin(allSizes), std::end(allSizes) };
+    bool followsSeconds = false;
 };
 
 int64_t now()
@@ -96,6 +99,7 @@ private:
     void offerBuffers();
     void process();
     void setTimer(int64_t interval);
+    int64_t takeFrame();
 
     int stride() const;
     uint32_t byteCount() const;
@@ -104,6 +108,7 @@ private:
 
     PipeWireLoop m_loop;
     StreamPointer m_stream;
+    const bool m_followsSeconds;
     spa_source* m_timer = nullptr; // belongs to the loop
 
     spa_video_format m_format = SPA_VIDEO_FORMAT_UNKNOWN; // unknown: compressed
@@ -114,6 +119,7 @@ private:
 };
 
 TestCamera::TestCamera(const Abilities& abilities)
+    : m_followsSeconds(abilities.followsSeconds)
 {
     static const pw_stream_events events = {
         .version = PW_VERSION_STREAM_EVENTS,
@@ -148,7 +154,7 @@ void TestCamera::connect(const Abilities& abilities)
 
 void TestCamera::changeState(pw_stream_state state)
 {
-    setTimer(state == PW_STREAM_STATE_STREAMING ? 1000000000 / framesPerSecond : 0);
+    setTimer(state == PW_STREAM_STATE_STREAMING ? second / framesPerSecond : 0);
     if (state == PW_STREAM_STATE_ERROR || state == PW_STREAM_STATE_UNCONNECTED)
         m_loop.quit();
 }
@@ -156,9 +162,21 @@ void TestCamera::changeState(pw_stream_state state)
 /// Ticks every `interval` nanoseconds from now on; 0 stops.
 void TestCamera::setTimer(int64_t interval)
 {
-    timespec first{ 0, interval ? 1 : 0 };
+    const int64_t start = !interval ? 0 : m_followsSeconds ? (now() / second + 1) * second : now();
+    timespec first{ start / second, static_cast<long>(start % second) };
     timespec repeat{ 0, static_cast<long>(interval) };
-    pw_loop_update_timer(m_loop.loop(), m_timer, &first, &repeat, false);
+    pw_loop_update_timer(m_loop.loop(), m_timer, &first, &repeat, true);
+}
+
+/// Gives the time at which the next frame is taken. One that follows the seconds takes its number from the clock.
+int64_t TestCamera::takeFrame()
+{
+    constexpr int64_t rounded = second / 1000; // The timer is never early by as much.
+    const int64_t time = now();
+    if (!m_followsSeconds)
+        return time;
+    m_frame = static_cast<uint64_t>((time + rounded) * framesPerSecond / second);
+    return static_cast<int64_t>(m_frame) * second / framesPerSecond;
 }
 
 void TestCamera::changeFormat(const spa_pod* parameter)
@@ -225,7 +243,7 @@ void TestCamera::process()
     pw_buffer* buffer = pw_stream_dequeue_buffer(m_stream.get());
     if (!buffer)
         return;
-    const int64_t takenAt = now();
+    const int64_t takenAt = takeFrame();
     spa_data& data = buffer->buffer->datas[0];
     data.chunk->offset = 0;
     data.chunk->stride = stride();
@@ -283,6 +301,7 @@ Abilities parse(const std::vector<std::string>& arguments)
     spa_rectangle size{};
     if (arguments.size() > 4 && std::sscanf(arguments[4].c_str(), "%ux%u", &size.width, &size.height) == 2)
         abilities.sizes = { size };
+    abilities.followsSeconds = arguments.size() > 5 && arguments[5] == "seconds";
     return abilities;
 }
 
