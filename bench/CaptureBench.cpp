@@ -1,4 +1,5 @@
 #include "Figure.h"
+#include "ProcessorTime.h"
 
 #include "base/HostTime.h"
 #include "capture/ScreenGrabber.h"
@@ -6,7 +7,6 @@
 #include "support/TestDesktop.h"
 
 #include <stdexcept>
-#include <sys/resource.h>
 #include <thread>
 
 namespace vantry::bench {
@@ -40,15 +40,6 @@ struct Scene {
 double milliseconds(HostDuration duration)
 {
     return seconds(duration) * 1000;
-}
-
-/// The processor time of this process.
-double processorSeconds()
-{
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    const auto sum = [](const timeval& time) { return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6; };
-    return sum(usage.ru_utime) + sum(usage.ru_stime);
 }
 
 void measureGrab()

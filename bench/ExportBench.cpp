@@ -1,6 +1,7 @@
 #include "ExportClip.h"
 #include "ExportMaterial.h"
 #include "Figure.h"
+#include "ProcessorTime.h"
 
 #include "render/Compositor.h"
 #include "render/Exporter.h"
@@ -17,7 +18,6 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
-#include <sys/resource.h>
 #include <thread>
 
 namespace vantry::bench {
@@ -33,21 +33,13 @@ struct Cost {
     double cpuSeconds = 0;
 };
 
-double cpuSeconds()
-{
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    const auto of = [](const timeval& time) { return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6; };
-    return of(usage.ru_utime) + of(usage.ru_stime);
-}
-
 template <typename Action>
 Cost costOf(const Action& action)
 {
     const auto start = std::chrono::steady_clock::now();
-    const double cpuStart = cpuSeconds();
+    const double cpuStart = processorSeconds();
     action();
-    return { std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(), cpuSeconds() - cpuStart };
+    return { std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(), processorSeconds() - cpuStart };
 }
 
 double median(std::vector<double> values)

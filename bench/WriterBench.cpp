@@ -1,14 +1,14 @@
+#include "DroppedPercent.h"
 #include "Figure.h"
+#include "ProcessorTime.h"
 
 #include "capture/ClipWriter.h"
 #include "support/FinishedClip.h"
 #include "support/ScreenContent.h"
 #include "support/TemporaryFolder.h"
 
-#include <algorithm>
 #include <random>
 #include <stdexcept>
-#include <sys/resource.h>
 #include <thread>
 
 namespace vantry::bench {
@@ -55,14 +55,6 @@ Sound piece(int channels)
     return sound;
 }
 
-double processorSeconds()
-{
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    const auto of = [](const timeval& time) { return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6; };
-    return of(usage.ru_utime) + of(usage.ru_stime);
-}
-
 struct Result {
     ClipOutcome outcome;
     double processorPercent = 0; ///< 100 is one core.
@@ -102,15 +94,6 @@ Result record(const Reel& screenReel, const Reel& cameraReel)
         throw std::runtime_error(result.outcome.problem);
     result.processorPercent = 100 * (processorSeconds() - before) / seconds(end - start);
     return result;
-}
-
-/// Of the track that fared worst.
-double droppedPercent(const ClipOutcome& outcome)
-{
-    double worst = 0;
-    for (const auto& count : outcome.counts)
-        worst = std::max(worst, 100.0 * static_cast<double>(count.dropped) / static_cast<double>(count.appended + count.dropped));
-    return worst;
 }
 
 /// The limit holds for the harder content, on which every pixel moves; an editor beside a scrolling log is what it mostly is.
