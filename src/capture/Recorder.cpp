@@ -34,7 +34,7 @@ Recorder::~Recorder()
 void Recorder::setOnStatus(StatusHandler handler)
 {
     m_onStatus = handler;
-    m_session.setOnStatus([this, handler](const std::string& text) {
+    m_session.setOnStatus([this, handler = std::move(handler)](const std::string& text) {
         if (handler)
             m_captureQueue.post([handler, text] { handler(QString::fromStdString(text)); });
     });
