@@ -63,6 +63,7 @@ private:
     void measureMemory() const;
     void measureAgainstLimit() const;
     void measureAgainstFiltergraph() const;
+    void measureBlur() const;
 
     Cost exportAll(const Project& project) const;
     Cost limit(const std::vector<Picture>& frames) const;
@@ -258,10 +259,23 @@ void ExportBench::measureAgainstFiltergraph() const
     report("export.vs_filtergraph", median(ofGraph), "x");
 }
 
+void ExportBench::measureBlur() const
+{
+    Project blurred = m_project;
+    blurred.blurBackground = true;
+    std::vector<double> ofPlain;
+    for (int round = 0; round < rounds; ++round) {
+        const auto plain = exportAll(m_project);
+        ofPlain.push_back(plain.seconds / exportAll(blurred).seconds);
+    }
+    report("export.blur_vs_plain", median(ofPlain), "x");
+}
+
 void ExportBench::measure()
 {
     measureAgainstLimit();
     measureAgainstFiltergraph();
+    measureBlur();
     measureMemory();
 }
 

@@ -1,12 +1,14 @@
 #include "render/Compositor.h"
 
 #include "project/ProjectIndex.h"
+#include "render/BackgroundBlur.h"
 #include "render/CameraLayer.h"
 #include "render/OverlayLayer.h"
 #include "render/ScreenLayer.h"
 
 #include <deque>
 #include <map>
+#include <optional>
 #include <utility>
 
 namespace vantry {
@@ -23,6 +25,7 @@ struct Compositor::State {
 
     Picture compose(MediaTime time, const Picture& screen, const Picture& camera);
     TileMap update(double time, const Picture& screen, const Picture& camera);
+    void updateCamera(double time, const Picture& camera, TileMap& changed);
     void updateOverlays(double time, TileMap& changed);
     TileMap staleParts(const std::uint8_t* memory) const;
     void draw(PictureBuffer& frame, const FrameRect& area);
@@ -34,6 +37,8 @@ struct Compositor::State {
 
     PicturePool pool;
     Picture latestScreen;
+    Picture latestCamera;
+    std::optional<BackgroundBlur> blur;
     ScreenLayer screenLayer;
     CameraLayer cameraLayer;
     std::map<std::size_t, OverlayLayer> overlays; ///< The visible ones by their place in the project, bottom to top.
@@ -53,6 +58,8 @@ Compositor::State::State(std::shared_ptr<const RenderInstruction> given, int fra
     , screenLayer(frameWidth, frameHeight, instruction->project.screenCrop)
     , cameraLayer(frameWidth, frameHeight)
 {
+    if (instruction->project.blurBackground.value_or(false))
+        blur.emplace();
 }
 
 Picture Compositor::State::compose(MediaTime time, const Picture& screen, const Picture& camera)
@@ -80,15 +87,24 @@ Picture Compositor::State::compose(MediaTime time, const Picture& screen, const 
 TileMap Compositor::State::update(double time, const Picture& screen, const Picture& camera)
 {
     TileMap changed(width, height);
-    const Size size{ static_cast<double>(width), static_cast<double>(height) };
-    cameraLayer.update(
-        camera, Renderer::cameraPlacement(time, timeline.layoutAt(time), instruction->project.bubbleSize, size), changed);
+    updateCamera(time, camera, changed);
     if (screen)
         latestScreen = screen;
     if (!cameraLayer.hidesAll()) // Or else the screen can wait: what is uncovered later is marked as changed then.
         screenLayer.update(latestScreen, changed);
     updateOverlays(time, changed);
     return changed;
+}
+
+void Compositor::State::updateCamera(double time, const Picture& camera, TileMap& changed)
+{
+    const Size size{ static_cast<double>(width), static_cast<double>(height) };
+    const auto placement = Renderer::cameraPlacement(time, timeline.layoutAt(time), instruction->project.bubbleSize, size);
+    if (camera)
+        latestCamera = camera;
+    // What nobody sees need not be blurred.
+    const bool isSeen = placement.opacity > Renderer::leastCameraOpacity;
+    cameraLayer.update(blur && isSeen ? blur->apply(latestCamera) : latestCamera, placement, changed);
 }
 
 void Compositor::State::updateOverlays(double time, TileMap& changed)
