@@ -120,12 +120,12 @@ pw_loop* PipeWireLoop::loop() const
 void PipeWireLoop::invoke(const std::function<void()>& function)
 {
     const auto call = [](spa_loop*, bool, std::uint32_t, const void* data, std::size_t, void*) {
-        (**static_cast<const std::function<void()>* const*>(data))();
+        (*static_cast<const std::function<void()>*>(*static_cast<const void* const*>(data)))();
         return 0;
     };
     // The library gives the lock away while it waits.
     const std::lock_guard guard(*this);
-    const auto* pointer = &function;
+    const void* pointer = &function;
     pw_loop_invoke(loop(), call, 0, &pointer, sizeof pointer, true, nullptr);
 }
 

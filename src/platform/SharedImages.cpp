@@ -26,7 +26,7 @@ SharedImages::SharedImages(const xcb::Connection& connection, int pixels)
     if (id < 0)
         failToShare();
     void* memory = shmat(id, nullptr, 0);
-    const bool attached = memory != reinterpret_cast<void*>(-1);
+    const bool attached = memory != reinterpret_cast<void*>(-1); // NOLINT(performance-no-int-to-ptr): the system's own way
     const auto refused =
         attached ? connection.check(xcb_shm_attach_checked(connection, m_segment, static_cast<std::uint32_t>(id), 0)) : nullptr;
     shmctl(id, IPC_RMID, nullptr); // It lives as long as somebody is attached.

@@ -42,8 +42,7 @@ void paint(const PixelBlock& source, const PixelBlock& target, const PixelRect& 
 } // namespace
 
 Uncovering::Uncovering(const xcb::Connection& connection, int largest)
-    : m_connection(connection)
-    , m_images(connection, largest)
+    : m_images(connection, largest)
 {
 }
 

@@ -23,7 +23,6 @@ private:
     void request(const TopWindow*, xcb_drawable_t, const PixelRect& area, int originX, int originY);
     void paintRequested();
 
-    const xcb::Connection& m_connection;
     SharedImages m_images;
 
     // The repaint that is under way.
