@@ -2,7 +2,7 @@
 #include "RecordScene.h"
 
 #include "render/Exporter.h"
-#include "support/MovieProbe.h"
+#include "support/FlashAndClick.h"
 #include "support/TemporaryFolder.h"
 
 #include <algorithm>
@@ -16,49 +16,16 @@ namespace {
 
 constexpr int events = 60;
 constexpr int length = events + 2; // seconds: an event may lie too close to either end.
-constexpr double rate = 48000;
-
-/// When the picture begins to be white, in seconds.
-std::vector<double> flashes(const std::filesystem::path& movie, const std::string& stream)
-{
-    constexpr int white = 180;
-    std::vector<double> times;
-    int before = 255;
-    for (const auto& frame : test::probeFrames(movie, stream)) {
-        if (frame.luma > white && before <= white)
-            times.push_back(frame.time);
-        before = frame.luma;
-    }
-    return times;
-}
-
-/// The click that is less than half a second from `time`, in seconds; nothing when it was lost or may lie outside.
-std::optional<double> clickNear(double time, const std::vector<float>& samples, int channels)
-{
-    constexpr float quiet = 0.2f;
-    const auto first = std::lround((time - 0.5) * rate) * channels;
-    const auto last = first + static_cast<long>(rate) * channels;
-    if (first < 0 || last > std::ssize(samples))
-        return std::nullopt;
-    const auto loudest = std::max_element(
-        samples.begin() + first, samples.begin() + last, [](float one, float other) { return std::abs(one) < std::abs(other); });
-    if (std::abs(*loudest) < quiet)
-        return std::nullopt;
-    const auto frame = (loudest - samples.begin()) / channels;
-    return static_cast<double>(frame) / rate;
-}
-
 /// How much later than its flash each click is, in milliseconds.
 std::vector<double> offsets(const std::filesystem::path& movie, const std::string& pictures, int channels)
 {
-    const auto samples = test::probeSound(movie, "a:0");
-    std::vector<double> found;
-    for (const double flash : flashes(movie, pictures))
-        if (const auto click = clickNear(flash, samples, channels); click && std::ssize(found) < events)
-            found.push_back((*click - flash) * 1000);
+    std::vector<double> found = test::clicksAfterFlashes(movie, pictures, channels);
+    found.resize(std::min<std::size_t>(found.size(), events));
     // A busy machine loses a frame or a stretch of sound now and then.
     if (found.size() < events * 9 / 10)
         throw std::runtime_error("Only " + std::to_string(found.size()) + " flashes with a click");
+    for (double& offset : found)
+        offset *= 1000;
     return found;
 }
 
