@@ -82,6 +82,7 @@ QCoro::Task<int> HeadlessRun::serve()
 QCoro::Task<> HeadlessRun::record(double wait)
 {
     const HostTime end = HostClock::now() + std::chrono::round<HostDuration>(std::chrono::duration<double>(wait));
+    const auto telling = connect(&m_model, &AppModel::statusChanged, this, [this] { say(m_model.status().value_or(QString())); });
     m_model.devices()->listDisplays();
     co_await m_model.devices()->listDevices();
     m_model.record();
@@ -95,6 +96,7 @@ QCoro::Task<> HeadlessRun::record(double wait)
     m_model.stop(0);
     while (underWay())
         co_await qCoro(&m_model, &AppModel::phaseChanged);
+    disconnect(telling);
 }
 
 QCoro::Task<int> HeadlessRun::exportVideo()

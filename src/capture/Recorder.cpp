@@ -100,7 +100,7 @@ void Recorder::onSystemSound(const std::optional<AppError>& problem)
 {
     const QString text = problem ? u"Other applications' sound is not recorded: "_s + QString::fromUtf8(problem->what())
                                  : u"Other applications' sound is recorded again."_s;
-    qCWarning(logCapture) << text;
+    qCInfo(logCapture) << text;
     if (m_onStatus)
         m_onStatus(text);
 }
