@@ -51,7 +51,8 @@ private:
     {
         pthread_setname_np(pthread_self(), "screen");
         try {
-            for (auto next = HostClock::now(); sleepUntil(next); next = std::max(next + interval, HostClock::now()))
+            // A frame that was held up does not put off the ones after it, unless it missed their time altogether.
+            for (auto next = HostClock::now(); sleepUntil(next); next = std::max(next + interval, HostClock::now() - interval))
                 if (m_waitingFrames < mostWaitingFrames)
                     deliverFrame();
         } catch (const AppError& error) {
