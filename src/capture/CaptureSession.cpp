@@ -14,6 +14,7 @@ namespace {
 constexpr int mostWaitingPictures = 4;
 constexpr HostDuration longestModeWait = 1s;
 constexpr HostDuration reconnectWait = 1s;
+constexpr HostDuration longestSilence = 3s; ///< Of a camera: the slowest in the dark sends more often.
 constexpr PictureSize fullHd{ 1920, 1080 };
 
 /// Frames stop coming before the pictures that wait are dropped.
@@ -150,8 +151,10 @@ void CaptureSession::update()
 {
     const auto list = devices();
     m_camera.update(list.cameras, m_isRunning);
+    const auto latest = m_preview.latest();
+    m_camera.expectSigns(latest ? latest->time : HostTime(), longestSilence, AppError("The camera sends no pictures"));
     m_microphone.update(list.microphones, m_isRunning);
-    if (!m_camera.isOpen() && m_preview.latest())
+    if (!m_camera.isOpen() && latest)
         m_preview.set({});
     if (!m_microphone.isOpen())
         m_meter.reset();

@@ -87,6 +87,17 @@ void DeviceSlot::close()
     ++m_number;
 }
 
+void DeviceSlot::expectSigns(HostTime lastSign, HostDuration longest, const AppError& otherwise)
+{
+    if (!m_stream)
+        return;
+    const HostDuration silence = HostClock::now() - std::max(lastSign, m_opened);
+    if (silence < longest)
+        m_actions.retryIn(longest - silence);
+    else
+        fail(m_number, otherwise);
+}
+
 void DeviceSlot::fail(std::uint64_t number, const AppError& error)
 {
     if (number != m_number)

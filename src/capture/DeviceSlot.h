@@ -45,6 +45,10 @@ public:
     /// The stream with this number has ended.
     void fail(std::uint64_t number, const AppError& error);
 
+    /// The open stream, if there is one, should have been heard of since it was opened or since `lastSign`, and no longer ago than
+    /// `longest`; otherwise it has failed with this error. Asks for an `update` when it should be looked at again.
+    void expectSigns(HostTime lastSign, HostDuration longest, const AppError& otherwise);
+
     /// The device was there since it is wanted.
     bool isTaken() const { return m_device.has_value(); }
     bool isOpen() const { return m_stream != nullptr; }

@@ -37,8 +37,8 @@ public:
     /// the first start.
     void setOnStatus(StatusHandler handler);
 
-    /// Called when a clip's file is complete, on a thread of its writer, before `endClip`'s future is done: how its tracks fared. To
-    /// be set before the first clip.
+    /// Called when a clip's file is complete, on a thread of its writer, before `endClip`'s future is done: how its tracks fared.
+    /// To be set before the first clip.
     void setOnClip(ClipHandler handler) { m_onClip = std::move(handler); }
 
     /// Whether the next screen stream comes with other programs' sound; a running one stays as it is.

@@ -180,6 +180,21 @@ TEST_F(CaptureSessionTest, goesOnWithACameraThatWasAway)
     EXPECT_TRUE(session.preview().latest());
 }
 
+TEST_F(CaptureSessionTest, opensACameraAgainThatFellSilent)
+{
+    const auto name = uniqueName("camera");
+    DeviceProgram program("testcamera", { name, "Desk camera" });
+    ASSERT_TRUE(awaitCamera(name, true));
+    session.configure(name, "test-microphone");
+    session.startCamera();
+    ASSERT_TRUE(awaitPictures(3));
+    program.freeze();
+    EXPECT_TRUE(pumpUntil([&] { return !session.preview().latest(); }));
+    program.thaw();
+    EXPECT_TRUE(awaitPictures(3));
+    EXPECT_THAT(session.refusal(), testing::IsEmpty());
+}
+
 TEST_F(CaptureSessionTest, leavesNoThreadBehind)
 {
     const test::OwnCamera camera;

@@ -26,6 +26,10 @@ public:
     }
     ~DeviceProgram() { m_program.end(SIGKILL); } // Pulled out, not put away.
 
+    /// It stays there and does nothing any more, or goes on.
+    void freeze() { kill(m_program.pid(), SIGSTOP); }
+    void thaw() { kill(m_program.pid(), SIGCONT); }
+
 private:
     static Arguments command(const std::string& program, Arguments arguments)
     {
