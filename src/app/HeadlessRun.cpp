@@ -8,7 +8,6 @@
 #include "model/Paths.h"
 
 #include <QCoreApplication>
-#include <QCoroSignal>
 
 #include <cerrno>
 #include <chrono>
@@ -89,13 +88,14 @@ QCoro::Task<> HeadlessRun::record(double wait)
     if (underWay())
         say(u"Recording…"_s);
     while (underWay() && m_signal == 0 && HostClock::now() < end)
-        co_await qCoro(&m_model, &AppModel::phaseChanged, std::chrono::ceil<std::chrono::milliseconds>(end - HostClock::now()));
+        co_await nextEmission(
+            &m_model, &AppModel::phaseChanged, std::chrono::ceil<std::chrono::milliseconds>(end - HostClock::now()));
     if (m_model.phase().isCountdown() && m_signal == 0)
         m_model.setAlert(u"The recording did not begin in time"_s);
     m_model.cancelStart();
     m_model.stop(0);
     while (underWay())
-        co_await qCoro(&m_model, &AppModel::phaseChanged);
+        co_await nextEmission(&m_model, &AppModel::phaseChanged);
     disconnect(telling);
 }
 

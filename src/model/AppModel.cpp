@@ -14,7 +14,6 @@
 #include "project/Timeline.h"
 
 #include <QCoreApplication>
-#include <QCoroSignal>
 #include <QPointer>
 
 #include <algorithm>
@@ -255,7 +254,7 @@ QCoro::Task<> AppModel::finishAndQuit()
     if (self)
         m_recording->cancelStart();
     while (self && m_phase.isCountdown())
-        co_await qCoro(this, &AppModel::phaseChanged);
+        co_await nextEmission(this, &AppModel::phaseChanged);
     if (self)
         co_await m_recording->finishClip();
     if (self)

@@ -2,11 +2,17 @@
 
 #include "base/HostTime.h"
 
+#include <QCoroFuture>
 #include <QCoroTask>
+#include <QPromise>
 #include <QString>
+#include <QTimer>
 
+#include <chrono>
 #include <exception>
 #include <functional>
+#include <memory>
+#include <optional>
 
 namespace vantry {
 
@@ -21,5 +27,19 @@ QString describe(const std::exception& error);
 
 /// Resumes on the calling thread, never before `deadline`; at once when that has passed.
 QCoro::Task<> sleepUntil(HostTime deadline);
+
+/// Done when the signal is emitted the next time, when that took longer, or when the object is gone. What awaits it goes on from
+/// the event loop. Not with QCoro's own way: a signal that is emitted again before that resumes there what has long ended.
+template <typename Object, typename Signal>
+QFuture<void> nextEmission(Object* object, Signal signal, std::optional<std::chrono::milliseconds> longest = std::nullopt)
+{
+    const auto promise = std::make_shared<QPromise<void>>();
+    promise->start();
+    const auto finish = [promise] { promise->finish(); };
+    QObject::connect(object, signal, object, finish, Qt::SingleShotConnection);
+    if (longest)
+        QTimer::singleShot(*longest, object, finish);
+    return promise->future();
+}
 
 } // namespace vantry

@@ -8,7 +8,6 @@
 #include "render/Exporter.h"
 
 #include <QCoroFuture>
-#include <QCoroSignal>
 #include <QPointer>
 
 #include <chrono>
@@ -109,7 +108,7 @@ QCoro::Task<> ExportFlow::ended()
 {
     const QPointer<ExportFlow> self(this);
     while (self && m_running)
-        co_await qCoro(this, &ExportFlow::runningChanged);
+        co_await nextEmission(this, &ExportFlow::runningChanged);
 }
 
 void ExportFlow::begin()

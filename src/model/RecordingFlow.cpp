@@ -9,7 +9,6 @@
 #include "project/Timeline.h"
 
 #include <QCoroFuture>
-#include <QCoroSignal>
 #include <QPointer>
 
 #include <algorithm>
@@ -197,7 +196,7 @@ QCoro::Task<> RecordingFlow::finishClip()
 {
     const QPointer<RecordingFlow> self(this);
     while (self && m_model.phase() == Phase::saving())
-        co_await qCoro(&m_model, &AppModel::phaseChanged);
+        co_await nextEmission(&m_model, &AppModel::phaseChanged);
     if (!self || m_model.phase() != Phase::recording())
         co_return;
     m_model.setPhase(Phase::saving());
