@@ -31,9 +31,10 @@ std::vector<Overlay> scatteredOverlays(std::mt19937& random)
 std::vector<Overlay> nestedOverlays(std::mt19937& random)
 {
     constexpr int height = 10;
-    constexpr double width = length / (items / height);
+    constexpr int pyramids = items / height;
+    constexpr double width = length / pyramids;
     std::vector<Overlay> overlays;
-    for (int pyramid = 0; pyramid < items / height; ++pyramid) {
+    for (int pyramid = 0; pyramid < pyramids; ++pyramid) {
         for (int step = 0; step < height; ++step) {
             const auto inset = width / (2 * height) * step;
             overlays.push_back({ .start = pyramid * width + inset, .duration = width - 2 * inset });
@@ -47,6 +48,7 @@ std::vector<Overlay> nestedOverlays(std::mt19937& random)
 std::vector<LayoutEvent> changingLayouts()
 {
     std::vector<LayoutEvent> layouts;
+    layouts.reserve(items);
     for (int event = 0; event < items; ++event)
         layouts.push_back(
             { .time = event * (length / items), .layout = static_cast<Layout>(event % 3), .corner = Corner::topLeft });
