@@ -293,9 +293,9 @@ void Translation::addTransposedConvolution(const tflite::Operator& step)
         std::int32_t strideAcross;
         std::int32_t strideDown;
     } options{};
-    require(step.inputs()->size() == 3 && step.custom_options() && step.custom_options()->size() == sizeof options,
-        "A transposed convolution is incomplete");
-    std::memcpy(&options, step.custom_options()->data(), sizeof options);
+    const auto* given = step.custom_options();
+    require(step.inputs()->size() == 3 && given && given->size() == sizeof options, "A transposed convolution is incomplete");
+    std::memcpy(&options, given->data(), sizeof options);
     const int weights = step.inputs()->Get(1);
     const Shape kernel = shapeOf(weights);
     require(kernel[1] == options.strideDown && kernel[2] == options.strideAcross, "A transposed convolution overlaps");
