@@ -168,7 +168,8 @@ Shape Translation::shapeOf(int index) const
 {
     const auto* sizes = tensor(index).shape();
     Shape shape{ 1, 1, 1, 1 };
-    require(sizes && sizes->size() >= 1 && sizes->size() <= shape.size(), "A tensor has no shape");
+    if (!sizes || sizes->size() == 0 || sizes->size() > shape.size())
+        refuse("A tensor has no shape");
     std::ranges::copy(*sizes, shape.end() - sizes->size());
     require(std::ranges::all_of(shape, [](int size) { return size >= 1 && size <= mostOfADimension; }), "A tensor is too large");
     return shape;
@@ -200,7 +201,8 @@ void Translation::widen(int from, int to)
     require(stored.type() == halfFloats && stored.buffer() < m_model->buffers()->size(), "A weight is not stored as half floats");
     const auto* bytes = m_model->buffers()->Get(stored.buffer())->data();
     const std::size_t wanted = count(shapeOf(to));
-    require(bytes && bytes->size() == wanted * sizeof(std::uint16_t), "A weight has another size than its shape");
+    if (!bytes || bytes->size() != wanted * sizeof(std::uint16_t))
+        refuse("A weight has another size than its shape");
     std::vector<float>& floats = m_weights[to];
     floats.resize(wanted + spareFloats);
     for (std::size_t i = 0; i < wanted; ++i) {
@@ -259,7 +261,8 @@ void Translation::add(const tflite::Operator& step)
 const tflite::Convolution& Translation::convolutionOf(const tflite::Operator& step)
 {
     const auto* options = reinterpret_cast<const tflite::Convolution*>(step.options());
-    require(options && options->Verify(m_verifier), "A convolution has no options");
+    if (!options || !options->Verify(m_verifier))
+        refuse("A convolution has no options");
     return *options;
 }
 

@@ -48,6 +48,7 @@ Between between(double position, int samples)
 std::vector<Between> stretched(int from, int to)
 {
     std::vector<Between> places;
+    places.reserve(static_cast<std::size_t>(to));
     for (int i = 0; i < to; ++i)
         places.push_back(between((i + 0.5) * from / to - 0.5, from));
     return places;
@@ -57,6 +58,7 @@ std::vector<Between> stretched(int from, int to)
 std::vector<Between> stretchedBy(int factor, int to, int small)
 {
     std::vector<Between> places;
+    places.reserve(static_cast<std::size_t>(to));
     for (int i = 0; i < to; ++i)
         places.push_back(between((i + 0.5) / factor - 0.5 + border, small));
     return places;
@@ -100,7 +102,7 @@ PlaneBlur::PlaneBlur(Size plane, Detail detail, double sigma, Size mask)
     , m_mask(mask)
     , m_factor(factorFor(sigma, detail))
     , m_small{ quotientUp(plane.width, m_factor) + 2 * border, quotientUp(plane.height, m_factor) + 2 * border }
-    , m_sums(static_cast<std::size_t>(m_small.width * m_factor))
+    , m_sums(area(m_small.width, m_factor))
     , m_averages(area(m_small.width, m_small.height))
     , m_blurred(area(m_small.width, m_small.height))
     , m_smallColumns(stretchedBy(m_factor, plane.width, m_small.width))

@@ -12,6 +12,19 @@
 
 namespace vantry {
 
+namespace {
+
+/// Whether a thread waits for something.
+bool sleeps(pid_t thread)
+{
+    std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
+    std::string stat;
+    std::getline(file, stat);
+    return stat.find(") S ") != std::string::npos;
+}
+
+} // namespace
+
 TEST(Worker, runsJobsInOrderAndFinishesThemBeforeItGoes)
 {
     std::vector<int> seen;
@@ -46,15 +59,6 @@ TEST(Worker, aFullDroppingWorkerRefusesAndGoesOnLater)
     release.set_value();
     while (!worker.tryPost([] {}))
         std::this_thread::yield();
-}
-
-/// Whether a thread waits for something.
-static bool sleeps(pid_t thread)
-{
-    std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
-    std::string stat;
-    std::getline(file, stat);
-    return stat.find(") S ") != std::string::npos;
 }
 
 TEST(BoundedQueue, closeEndsEveryWaitAndGivesWhatIsLeft)
