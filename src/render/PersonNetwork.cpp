@@ -297,7 +297,8 @@ void Translation::addTransposedConvolution(const tflite::Operator& step)
         std::int32_t strideDown;
     } options{};
     const auto* given = step.custom_options();
-    require(step.inputs()->size() == 3 && given && given->size() == sizeof options, "A transposed convolution is incomplete");
+    if (step.inputs()->size() != 3 || !given || given->size() != sizeof options)
+        refuse("A transposed convolution is incomplete");
     std::memcpy(&options, given->data(), sizeof options);
     const int weights = step.inputs()->Get(1);
     const Shape kernel = shapeOf(weights);
