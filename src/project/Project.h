@@ -72,6 +72,9 @@ struct Overlay {
     double y = 0.5;
     double width = 0.5; ///< Fraction of the frame's width.
 
+    /// A new one from plain text: the kind's own look, place and duration, from the project second `at` on.
+    static Overlay make(OverlayKind kind, std::string text, double at);
+
     bool operator==(const Overlay&) const = default;
 };
 
