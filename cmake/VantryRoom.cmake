@@ -1,9 +1,11 @@
-# The compiler's settings for everything that is ours. Designated initializers leave members out on purpose.
-add_library(vantry_settings INTERFACE)
-target_compile_options(vantry_settings INTERFACE -Wall -Wextra -Wno-missing-field-initializers -Werror -Wnon-virtual-dtor -Woverloaded-virtual)
-target_compile_definitions(vantry_settings INTERFACE
+# The compiler's settings for everything that is ours, without the sanitizers. Designated initializers leave members out on purpose.
+add_library(vantry_plain_settings INTERFACE)
+target_compile_options(vantry_plain_settings INTERFACE -Wall -Wextra -Wno-missing-field-initializers -Werror -Wnon-virtual-dtor -Woverloaded-virtual)
+target_compile_definitions(vantry_plain_settings INTERFACE
     VANTRY_VERSION="${PROJECT_VERSION}" QT_NO_CAST_FROM_ASCII QT_NO_KEYWORDS)
-target_include_directories(vantry_settings INTERFACE ${PROJECT_SOURCE_DIR}/src)
+target_include_directories(vantry_plain_settings INTERFACE ${PROJECT_SOURCE_DIR}/src)
+add_library(vantry_settings INTERFACE)
+target_link_libraries(vantry_settings INTERFACE vantry_plain_settings)
 if(VANTRY_SANITIZE)
     # What the sanitizers add to the code makes GCC take the standard library's own variables for uninitialized; and it warns of a fence in
     # Qt's headers, which the thread sanitizer does not follow.

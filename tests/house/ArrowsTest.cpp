@@ -55,6 +55,7 @@ TEST_F(SyntheticHouse, everyOtherArrowIsNamed)
     write("platform/deep/Screen.cpp", "#include <libswscale/swscale.h>");
     write("project/Project.h", "#include <QString>\n#include <thread>");
     write("render/Compositor.cpp", "#include <QQuickItem>\n#include <QtQml/qqml.h>");
+    write("render/HTMLRenderer.cpp", "#include <QWebEnginePage>");
     write("ui/Timeline.cpp", "#include \"capture/Recorder.h\"");
     EXPECT_THAT(wrongArrows(m_root),
         ElementsAre("base/Log.h: project/Project.h: base may not include project",
@@ -65,6 +66,7 @@ TEST_F(SyntheticHouse, everyOtherArrowIsNamed)
             "project/Project.h: thread: project has no threads",
             "render/Compositor.cpp: QQuickItem: an engine room knows nothing of Qt Quick",
             "render/Compositor.cpp: QtQml/qqml.h: an engine room knows nothing of Qt Quick",
+            "render/HTMLRenderer.cpp: QWebEnginePage: only the overlay helper has a web engine",
             "ui/Timeline.cpp: capture/Recorder.h: ui may not include capture"));
 }
 

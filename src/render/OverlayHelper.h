@@ -1,0 +1,69 @@
+#pragma once
+
+#include "base/OverlayProtocol.h"
+#include "render/Bitmap.h"
+
+#include <chrono>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include <sys/types.h>
+
+namespace vantry {
+
+/// An event that every thread can wait for together with a file.
+class WakeUp {
+public:
+    WakeUp();
+    ~WakeUp();
+
+    WakeUp(const WakeUp&) = delete;
+    WakeUp& operator=(const WakeUp&) = delete;
+
+    /// From any thread. It stays called.
+    void call() const;
+    bool wasCalled() const;
+    int descriptor() const { return m_descriptor; }
+
+private:
+    const int m_descriptor;
+};
+
+/// A running helper program. What goes wrong is an AppError; the helper is of no use any more then. One thread at a time, which
+/// must live on: the helper ends with the thread that started it. Destroying it ends the helper.
+class OverlayHelper {
+public:
+    /// Where the program is: beside ours, else where it was built.
+    static std::filesystem::path program();
+
+    /// `interrupt` makes a rendering fail at once; it outlives the helper.
+    OverlayHelper(const std::filesystem::path& program, const WakeUp& interrupt);
+    ~OverlayHelper();
+
+    OverlayHelper(const OverlayHelper&) = delete;
+    OverlayHelper& operator=(const OverlayHelper&) = delete;
+
+    /// The fragment's bitmap, or nothing when the helper could not make one and is ready for the next. The time that the helper
+    /// takes to start does not count.
+    std::optional<Bitmap> render(const std::string& fragment, double cssWidth, std::chrono::milliseconds longest);
+
+    /// False once it has ended, whatever it ended of.
+    bool isRunning() const;
+
+private:
+    using Deadline = std::chrono::steady_clock::time_point;
+
+    void start(const std::filesystem::path& program, int theirs);
+    void awaitStart();
+    void send(const void* bytes, std::size_t size, Deadline deadline) const;
+    void receive(void* bytes, std::size_t size, Deadline deadline) const;
+    void waitFor(short events, Deadline deadline) const;
+
+    const WakeUp& m_interrupt;
+    int m_socket = -1;
+    pid_t m_process = -1;
+    bool m_hasStarted = false;
+};
+
+} // namespace vantry
