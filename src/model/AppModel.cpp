@@ -8,6 +8,7 @@
 #include "model/EditingCommands.h"
 #include "model/ExportFlow.h"
 #include "model/FieldBinding.h"
+#include "model/OverlayPictures.h"
 #include "model/Paths.h"
 #include "model/RecordingFlow.h"
 #include "project/ProjectFile.h"
@@ -30,6 +31,7 @@ AppModel::AppModel(Options options)
     , m_recorder(std::make_unique<Recorder>())
     , m_devices(std::make_unique<CaptureDevices>(*this, *m_recorder))
     , m_recording(std::make_unique<RecordingFlow>(*this, *m_recorder, *m_devices))
+    , m_overlayPictures(std::make_unique<OverlayPictures>())
     , m_export(std::make_unique<ExportFlow>(*this, std::move(options.reveal)))
     , m_editing(std::make_unique<EditingCommands>(*this, *m_recorder))
 {
@@ -199,6 +201,11 @@ FieldBinding* AppModel::binding(ProjectField::Kind field, bool rebuild)
 FieldBinding* AppModel::overlayBinding(const QString& id, OverlayField::Kind field)
 {
     return new FieldBinding(*this, accessTo(field, Uuid::parse(id.toStdString()).value_or(Uuid())), Rebuild::Yes);
+}
+
+QCoro::Task<OverlayImages> AppModel::overlayImages(std::stop_token cancel)
+{
+    return m_overlayPictures->of(m_project ? m_project->overlays : std::vector<Overlay>(), std::move(cancel));
 }
 
 void AppModel::exportTo(const fs::path& file)

@@ -7,6 +7,7 @@
 #include "model/Settings.h"
 #include "platform/Displays.h"
 #include "project/Project.h"
+#include "render/RenderInstruction.h"
 
 #include <QCoroTask>
 #include <QObject>
@@ -19,6 +20,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <stop_token>
 #include <vector>
 
 namespace vantry {
@@ -27,6 +29,7 @@ class CaptureDevices;
 class EditingCommands;
 class ExportFlow;
 class FieldBinding;
+class OverlayPictures;
 class Recorder;
 class RecordingFlow;
 
@@ -161,6 +164,10 @@ public:
     /// The same of an overlay, which changes the preview.
     Q_INVOKABLE vantry::FieldBinding* overlayBinding(const QString& id, vantry::OverlayField::Kind field);
 
+    /// The bitmaps of the open project's overlays; what cannot be rendered has none. Those that are not made yet when `cancel` is
+    /// asked to stop are left out.
+    QCoro::Task<OverlayImages> overlayImages(std::stop_token cancel = {});
+
     // Exporting.
     void exportTo(const std::filesystem::path& file);
     Q_INVOKABLE void exportTo(const QUrl& file);
@@ -243,6 +250,7 @@ private:
     std::unique_ptr<Recorder> m_recorder;
     std::unique_ptr<CaptureDevices> m_devices;
     std::unique_ptr<RecordingFlow> m_recording;
+    std::unique_ptr<OverlayPictures> m_overlayPictures;
     std::unique_ptr<ExportFlow> m_export;
     std::unique_ptr<EditingCommands> m_editing;
 };

@@ -49,12 +49,16 @@ QCoro::Task<ExportFlow::Outcome> ExportFlow::run(std::filesystem::path file, int
     if (m_running || !m_model.project() || !m_model.folder())
         co_return Outcome::NothingToExport;
     const QPointer<ExportFlow> self(this);
-    const Project project = *m_model.project();
     begin();
+    ExportOptions options = optionsFor(file, height);
+    const YouTubeInfo details = options.project.youtube;
     Outcome outcome = Outcome::Done;
     QString failure;
     try {
-        outcome = co_await makeVideo(project, *m_model.folder(), file, height);
+        options.images = co_await m_model.overlayImages(options.cancel);
+        if (!self)
+            co_return Outcome::Cancelled;
+        outcome = co_await makeVideo(std::move(options));
     } catch (const std::exception& error) {
         outcome = Outcome::Failed;
         failure = describe(error);
@@ -65,22 +69,25 @@ QCoro::Task<ExportFlow::Outcome> ExportFlow::run(std::filesystem::path file, int
     if (outcome == Outcome::Failed)
         fail(failure);
     if (outcome == Outcome::Done)
-        deliver(project.youtube, file);
+        deliver(details, file);
     co_return outcome;
 }
 
-/// On the worker, so that the views stay alive meanwhile.
-QFuture<ExportFlow::Outcome> ExportFlow::makeVideo(
-    Project project, std::filesystem::path folder, std::filesystem::path file, int height)
+ExportOptions ExportFlow::optionsFor(const std::filesystem::path& file, int height) const
 {
-    ExportOptions options{
-        .project = std::move(project),
-        .folder = std::move(folder),
-        .destination = std::move(file),
+    return {
+        .project = *m_model.project(),
+        .folder = *m_model.folder(),
+        .destination = file,
         .height = height,
         .onProgress = [fraction = m_fraction](double value) { *fraction = value; },
         .cancel = m_cancel.get_token(),
     };
+}
+
+/// On the worker, so that the views stay alive meanwhile.
+QFuture<ExportFlow::Outcome> ExportFlow::makeVideo(ExportOptions options)
+{
     return inBackground(m_worker, [options = std::move(options)] {
         return Video::exportProject(options) == ExportOutcome::Finished ? Outcome::Done : Outcome::Cancelled;
     });

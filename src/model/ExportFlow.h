@@ -2,6 +2,7 @@
 
 #include "base/Worker.h"
 #include "project/Project.h"
+#include "render/Exporter.h"
 
 #include <QCoroTask>
 #include <QFuture>
@@ -48,7 +49,8 @@ Q_SIGNALS:
 
 private:
     QCoro::Task<> runWithSettings(std::filesystem::path file);
-    QFuture<Outcome> makeVideo(Project project, std::filesystem::path folder, std::filesystem::path file, int height);
+    ExportOptions optionsFor(const std::filesystem::path& file, int height) const;
+    QFuture<Outcome> makeVideo(ExportOptions options);
     void deliver(const YouTubeInfo& info, const std::filesystem::path& video);
     void fail(const QString& description);
     void begin();

@@ -1,0 +1,62 @@
+#include "model/ModelTest.h"
+#include "support/MovieProbe.h"
+#include "support/TestMovie.h"
+
+#include <QCoroTask>
+#include <gmock/gmock.h>
+
+namespace vantry {
+
+using testing::IsEmpty;
+
+namespace {
+
+Overlay covering(double from, double to, const std::string& html)
+{
+    return { .start = from, .duration = to - from, .kind = OverlayKind::text, .html = html, .width = 1 };
+}
+
+class OverlayPicturesTest : public test::ModelTest {
+protected:
+    OverlayImages images() { return QCoro::waitFor(m_model.overlayImages()); }
+};
+
+} // namespace
+
+TEST_F(OverlayPicturesTest, everyOverlayOfTheOpenProjectHasItsBitmap)
+{
+    EXPECT_THAT(images(), IsEmpty());
+    m_model.open(writeProject("one"));
+    EXPECT_THAT(images(), IsEmpty());
+    const auto good = Overlay::make(OverlayKind::text, "a", 1);
+    const auto tooLarge = covering(0, 1, std::string(2'000'000, 'a'));
+    m_model.edit(Rebuild::Yes, [&](Project& project) { project.overlays = { tooLarge, good }; });
+    const auto found = images();
+    EXPECT_EQ(found.size(), 1);
+    EXPECT_EQ(found.at(good.id).width(), 2688);
+
+    std::stop_source cancel;
+    cancel.request_stop();
+    EXPECT_THAT(QCoro::waitFor(m_model.overlayImages(cancel.get_token())), IsEmpty());
+}
+
+TEST_F(OverlayPicturesTest, anExportShowsThem)
+{
+    test::writeTestMovie(writeProject("one", 2) / "clip-1.mov", { .duration = 2 });
+    m_model.open(m_root / "one");
+    m_model.settings()->setExportHeight(720);
+    m_model.edit(Rebuild::Yes, [](Project& project) {
+        project.layouts = { { .layout = Layout::screen } };
+        project.overlays = { covering(0.5, 1.5, "<div style='background:white;height:900px'></div>") };
+    });
+    m_model.exportTo(m_folder / "out.mp4");
+    ASSERT_TRUE(test::pumpUntil([&] { return !m_model.busy(); }, std::chrono::seconds(60)));
+    ASSERT_THAT(alert(), IsEmpty());
+    for (const auto& frame : test::probeFrames(m_folder / "out.mp4", "v:0")) {
+        const bool isShown = frame.time > 0.8 && frame.time < 1.15;
+        const bool isFading = !isShown && frame.time > 0.45 && frame.time < 1.55;
+        EXPECT_TRUE(isFading || isShown == (frame.luma > test::flashLuma)) << frame.time;
+    }
+}
+
+} // namespace vantry
