@@ -8,9 +8,10 @@
 
 namespace vantry::test {
 
-/// Lets the event loop run until the condition holds, and says whether it did before the time was over.
+/// Lets the event loop run until the condition holds, and says whether it did before the time was over: much of it, for the
+/// sanitizers and busy machines.
 template <typename Condition>
-bool pumpUntil(Condition condition, std::chrono::milliseconds longest = std::chrono::seconds(20))
+bool pumpUntil(Condition condition, std::chrono::milliseconds longest = std::chrono::seconds(60))
 {
     const QDeadlineTimer deadline(longest);
     while (!condition()) {
