@@ -13,6 +13,7 @@
 #include <cstring>
 #include <fstream>
 #include <netinet/in.h>
+#include <stdexcept>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <thread>
@@ -63,8 +64,8 @@ public:
     {
         sockaddr_in address{ .sin_family = AF_INET, .sin_port = 0, .sin_addr = { htonl(INADDR_LOOPBACK) }, .sin_zero = {} };
         socklen_t size = sizeof address;
-        bind(m_socket, reinterpret_cast<sockaddr*>(&address), size);
-        listen(m_socket, 50);
+        if (bind(m_socket, reinterpret_cast<sockaddr*>(&address), size) != 0 || listen(m_socket, 50) != 0)
+            throw std::runtime_error("No server");
         getsockname(m_socket, reinterpret_cast<sockaddr*>(&address), &size);
         m_url = "http://127.0.0.1:" + std::to_string(ntohs(address.sin_port)) + "/";
     }
