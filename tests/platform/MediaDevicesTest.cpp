@@ -17,7 +17,6 @@ using test::DeviceProgram;
 using test::pumpUntil;
 using test::uniqueName;
 using testing::Contains;
-using testing::Not;
 
 class MediaDevicesTest : public test::EventLoopTest { };
 

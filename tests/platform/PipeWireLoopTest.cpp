@@ -7,6 +7,7 @@
 #include <atomic>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <set>
 
 namespace vantry {
@@ -33,7 +34,7 @@ class PipeWireLoopTest : public test::EventLoopTest { };
 
 TEST_F(PipeWireLoopTest, answersOnAThreadOfItsOwnAndLeavesNoneBehind)
 {
-    PipeWireLoop("test.media"); // A process that has its first thread may get helpers that stay.
+    std::make_unique<PipeWireLoop>("test.media").reset(); // A process that has its first thread may get helpers that stay.
     const auto before = threadNames();
     for (int i = 0; i < 3; ++i) {
         PipeWireLoop loop("test.media");

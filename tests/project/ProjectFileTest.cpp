@@ -17,7 +17,6 @@
 namespace vantry {
 
 using test::TemporaryFolder;
-using testing::StartsWith;
 
 namespace {
 

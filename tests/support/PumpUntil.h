@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -14,10 +15,12 @@ template <typename Condition>
 bool pumpUntil(Condition condition, std::chrono::milliseconds longest = std::chrono::seconds(60))
 {
     const QDeadlineTimer deadline(longest);
+    QTimer wake; // What changes on another thread may bring no event.
+    wake.start(std::chrono::milliseconds(5));
     while (!condition()) {
         if (deadline.hasExpired())
             return false;
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 10);
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
     return true;
 }
