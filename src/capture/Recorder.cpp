@@ -4,6 +4,7 @@
 #include "base/Log.h"
 
 #include <chrono>
+#include <malloc.h>
 #include <unistd.h>
 
 namespace vantry {
@@ -144,6 +145,9 @@ void Recorder::beginClip(const std::filesystem::path& file)
         // A still screen sends nothing, and yet every clip begins with a picture.
         if (m_latestScreen)
             writer->append(PictureSample{ m_latestScreen->picture, start }, TrackKind::screen);
+        // The camera's next picture is a moment away, and until then the bare screen would be seen.
+        if (const auto camera = m_session.preview().latest(); camera && tracks.camera)
+            writer->append(PictureSample{ camera->picture, start }, TrackKind::camera);
         m_writer = std::move(writer);
         m_clipStart = start;
     });
@@ -178,7 +182,11 @@ void Recorder::onFinished(const ClipOutcome& outcome)
         qCWarning(logCapture) << "clip not completed:" << outcome.problem.c_str();
     if (m_onClip)
         m_onClip(outcome);
-    m_captureQueue.post([this] { m_finishing.reset(); });
+    m_captureQueue.post([this] {
+        m_finishing.reset();
+        // What the encoders' threads had would stay with their part of the heap, and the next clip's threads get other parts.
+        malloc_trim(0);
+    });
 }
 
 double Recorder::elapsed()

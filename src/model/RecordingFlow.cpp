@@ -83,6 +83,7 @@ QCoro::Task<> RecordingFlow::startClip(std::optional<double> cutAt)
     if (!m_model.project() || m_model.project()->clips.empty())
         m_model.newProject();
     m_startCancelled = false;
+    m_model.setStatus(std::nullopt); // It told of the time before.
     m_model.setPhase(Phase::countdown(countdownFrom));
 
     std::optional<QString> failure;
@@ -175,6 +176,7 @@ void RecordingFlow::beginClip()
     const std::string name = unusedClipName();
     m_recorder.beginClip(*m_model.folder() / name);
     m_currentFile = name;
+    m_ending.reset();
     tick();
     m_model.setPhase(Phase::recording());
     m_clock.start();
@@ -214,11 +216,24 @@ QCoro::Task<> RecordingFlow::finishClip()
         m_devices.stopCamera();
 }
 
+void RecordingFlow::rescueClip()
+{
+    if (!m_currentFile)
+        return;
+    const QSignalBlocker quiet(m_model);
+    // A clip that is being ended already comes out of here as well.
+    const std::optional<double> duration = m_ending ? m_ending->result() : m_recorder.endClip().result();
+    if (duration)
+        appendClip(*duration);
+    m_currentFile.reset();
+}
+
 /// The clip's length; nothing when its file could not be completed.
 QCoro::Task<std::optional<double>> RecordingFlow::endClip()
 {
     try {
-        co_return co_await m_recorder.endClip();
+        m_ending = m_recorder.endClip();
+        co_return co_await *m_ending;
     } catch (const std::exception& error) {
         co_return std::nullopt;
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QCoroTask>
+#include <QFuture>
 #include <QObject>
 #include <QString>
 #include <QTimer>
@@ -38,6 +39,9 @@ public:
     /// Ends the clip in progress and waits until it is part of the project, also when it is being ended already.
     QCoro::Task<> finishClip();
 
+    /// The same at once, for a process that ends: the calling thread waits, and nobody is told.
+    void rescueClip();
+
 private:
     enum class Start { Recording, Cancelled };
 
@@ -61,6 +65,7 @@ private:
     CaptureDevices& m_devices;
     QTimer m_clock;
     std::optional<std::string> m_currentFile;
+    std::optional<QFuture<std::optional<double>>> m_ending; ///< Of the current file.
     bool m_startCancelled = false;
     std::string m_toldRefusal; ///< Whoever records all the same knows it.
 };

@@ -14,6 +14,7 @@ FloatingPanel {
     width: 200
     height: 200
     cornerRadius: 10000
+    edge: 2
     visible: shown
 
     onCurrentChanged: setGeometry(Math.round(current.x), Math.round(current.y), Math.round(current.width), Math.round(current.height))
@@ -25,7 +26,7 @@ FloatingPanel {
     }
 
     CameraPreview {
-        anchors { fill: parent; margins: 2 }
+        anchors { fill: parent; margins: panel.edge }
         mirror: panel.mirror
     }
 }

@@ -39,18 +39,19 @@ void FloatingPanel::cutCorners()
 {
     if (QGuiApplication::platformName() != QLatin1String("xcb"))
         return;
-    const int radius = std::min({ m_cornerRadius, width() / 2, height() / 2 });
+    const QSize size(width() - 2 * m_edge, height() - 2 * m_edge);
+    const int radius = std::min({ m_cornerRadius, size.width() / 2, size.height() / 2 });
     if (radius <= 0)
         return setMask(QRegion());
-    QRegion shape(0, radius, width(), height() - 2 * radius);
+    QRegion shape(0, radius, size.width(), size.height() - 2 * radius);
     for (int row = 0; row < radius; ++row) {
         // Half of the chord at the row's lower edge, where it is longest.
         const double reach = std::sqrt(radius * radius - (radius - row - 1) * (radius - row - 1));
         const int inset = radius - static_cast<int>(std::ceil(reach));
-        shape += QRect(inset, row, width() - 2 * inset, 1);
-        shape += QRect(inset, height() - 1 - row, width() - 2 * inset, 1);
+        shape += QRect(inset, row, size.width() - 2 * inset, 1);
+        shape += QRect(inset, size.height() - 1 - row, size.width() - 2 * inset, 1);
     }
-    setMask(shape);
+    setMask(shape.translated(m_edge, m_edge));
 }
 
 } // namespace vantry

@@ -11,6 +11,7 @@ class FloatingPanel : public QQuickWindow {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(int cornerRadius MEMBER m_cornerRadius WRITE setCornerRadius NOTIFY cornerRadiusChanged)
+    Q_PROPERTY(int edge MEMBER m_edge NOTIFY edgeChanged)
 
 public:
     explicit FloatingPanel(QWindow* parent = nullptr);
@@ -20,6 +21,7 @@ public:
 
 Q_SIGNALS:
     void cornerRadiusChanged();
+    void edgeChanged();
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -28,6 +30,7 @@ private:
     void cutCorners();
 
     int m_cornerRadius = 0;
+    int m_edge = 0; ///< So much on all sides is no part of the window either.
 };
 
 } // namespace vantry

@@ -35,6 +35,15 @@ FloatingPanel {
         sourceComponent: panel.contentOf(panel.model.phase.kind)
     }
 
+    // The main window, which says it otherwise, is hidden.
+    HudText {
+        anchors { left: parent.left; right: parent.right; bottom: parent.bottom; leftMargin: 18; rightMargin: 18; bottomMargin: 1 }
+        text: panel.model.status
+        color: Theme.amber
+        elide: Text.ElideRight
+        font.pixelSize: 10
+    }
+
     function contentOf(phase) {
         switch (phase) {
         case Phase.Countdown:

@@ -38,11 +38,22 @@ ApplicationWindow {
         model.quit();
     }
 
+    // A window manager would put the window where it likes each time it comes back.
+    property point place: Qt.point(x, y)
+    onXChanged: if (visible) place.x = x
+    onYChanged: if (visible) place.y = y
+    property bool wasShown: false
+
     onVisibleChanged: {
-        if (visible) {
-            raise();
-            requestActivate();
+        if (!visible)
+            return;
+        if (wasShown) {
+            x = place.x;
+            y = place.y;
         }
+        wasShown = true;
+        raise();
+        requestActivate();
     }
 
     Loader {

@@ -20,7 +20,7 @@ ColumnLayout {
 
     Label {
         Layout.alignment: Qt.AlignHCenter
-        text: "Records your screen after a countdown of three seconds."
+        text: "Records after a countdown of three seconds."
         color: Theme.inkSecondary
         font.pixelSize: Theme.fontSize
     }

@@ -214,6 +214,20 @@ TEST_F(ProgramTest, recordsExportsAndSaysWhere)
     EXPECT_EQ(test::probeStream(m_home / "again.mp4", "v:0")["height"], "720");
 }
 
+TEST_F(ProgramTest, aRecordingOutlivesTheScreenOfItsWindow)
+{
+    auto screen = std::make_unique<test::XServer>(640, 360);
+    const auto program = start("--autorecord 60", "xcb");
+    ASSERT_TRUE(holdsSoon([this] { return hasClip(); }));
+    std::this_thread::sleep_for(1s); // Of the clip's time.
+    screen.reset();
+    finish(*program);
+    const Project project = loadProject(onlyProject());
+    ASSERT_THAT(project.clips, SizeIs(1));
+    EXPECT_GE(project.clips[0].duration, 1);
+    EXPECT_NEAR(test::probeEnd(onlyProject() / project.clips[0].file, "v:0"), project.clips[0].duration, 0.05);
+}
+
 TEST_F(ProgramTest, anInterruptedRecordingKeepsItsClip)
 {
     const test::XServer screen(640, 360);
