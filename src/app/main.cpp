@@ -13,6 +13,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <malloc.h>
 
 using namespace vantry;
 
@@ -78,6 +79,10 @@ int run(int& argc, char** argv)
 
 int main(int argc, char** argv)
 {
+    // What is as large as a picture goes back to the system when it is freed. By itself the heap learns to keep it, each thread in
+    // a part of its own, and grows with every recording.
+    constexpr int large = 256 * 1024;
+    mallopt(M_MMAP_THRESHOLD, large);
     try {
         return run(argc, argv);
     } catch (const std::exception& error) {

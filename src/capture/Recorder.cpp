@@ -4,7 +4,6 @@
 #include "base/Log.h"
 
 #include <chrono>
-#include <malloc.h>
 #include <unistd.h>
 
 namespace vantry {
@@ -182,11 +181,7 @@ void Recorder::onFinished(const ClipOutcome& outcome)
         qCWarning(logCapture) << "clip not completed:" << outcome.problem.c_str();
     if (m_onClip)
         m_onClip(outcome);
-    m_captureQueue.post([this] {
-        m_finishing.reset();
-        // What the encoders' threads had would stay with their part of the heap, and the next clip's threads get other parts.
-        malloc_trim(0);
-    });
+    m_captureQueue.post([this] { m_finishing.reset(); });
 }
 
 double Recorder::elapsed()
