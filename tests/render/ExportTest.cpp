@@ -14,7 +14,6 @@
 namespace vantry {
 
 using namespace test;
-using testing::AllOf;
 using testing::HasSubstr;
 using testing::IsSupersetOf;
 using testing::Pair;

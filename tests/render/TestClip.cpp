@@ -32,7 +32,7 @@ public:
             .gop = 10,
             .preset = "ultrafast" });
         const auto sink = track(m_muxer.addTrack(encoder));
-        m_writers.push_back([=, &encoder] {
+        m_writers.emplace_back([=, &encoder] {
             for (int frame = begin; frame < end; ++frame) {
                 PictureBuffer buffer(width, height);
                 buffer.fill(grey(frame), 128, 128);
@@ -46,7 +46,7 @@ public:
     {
         auto& encoder = m_sounds.emplace_back(AudioEncoderSettings{ .channels = channels, .bitRate = 96'000 * channels });
         const auto sink = track(m_muxer.addTrack(encoder));
-        m_writers.push_back([=, &encoder] {
+        m_writers.emplace_back([=, &encoder] {
             Sound sound{ .channels = channels, .samples = {} };
             for (int sample = 0; sample < frames * samplesPerFrame; ++sample)
                 sound.samples.insert(sound.samples.end(), static_cast<std::size_t>(channels), level(sample));
