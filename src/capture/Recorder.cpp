@@ -56,7 +56,10 @@ QFuture<void> Recorder::stopScreen()
     return inBackground(m_screenQueue, [this] {
         m_stream.reset();
         m_systemSound.reset();
-        m_captureQueue.sync([this] { m_latestScreen.reset(); });
+        m_captureQueue.sync([this] {
+            m_latestScreen.reset();
+            m_latestSystemSound.reset();
+        });
     });
 }
 
@@ -83,9 +86,9 @@ void Recorder::openSystemSound()
 {
     const SystemSoundSource::Handlers handlers{
         .onSound =
-            [this](SoundSample sample) {
-                if (m_writer)
-                    m_writer->append(std::move(sample), TrackKind::system);
+            [this](const SoundSample& sample) {
+                m_latestSystemSound = sample;
+                append(sample, TrackKind::system);
             },
         .onChange = [this](const std::optional<AppError>& problem) { onSystemSound(problem); },
     };
@@ -147,6 +150,11 @@ void Recorder::beginClip(const std::filesystem::path& file)
         // The camera's next picture is a moment away, and until then the bare screen would be seen.
         if (const auto camera = m_session.preview().latest(); camera && tracks.camera)
             writer->append(PictureSample{ camera->picture, start }, TrackKind::camera);
+        // A stretch of sound comes when it begins: the one that came last reaches into the clip.
+        if (m_latestSound && tracks.audio)
+            writer->append(*m_latestSound, TrackKind::audio);
+        if (m_latestSystemSound && tracks.system)
+            writer->append(*m_latestSystemSound, TrackKind::system);
         m_writer = std::move(writer);
         m_clipStart = start;
     });

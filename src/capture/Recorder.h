@@ -97,6 +97,8 @@ private:
     std::unique_ptr<ClipWriter> m_finishing; ///< The writer of a clip that has ended, until its file is complete.
     HostTime m_clipStart;
     std::optional<ScreenFrame> m_latestScreen;
+    std::optional<SoundSample> m_latestSound; ///< The microphone's.
+    std::optional<SoundSample> m_latestSystemSound;
     std::optional<std::promise<void>> m_firstFrame;
     PictureSize m_screenSize;
     bool m_systemAudio = false; ///< The running stream comes with other programs' sound.
@@ -108,7 +110,11 @@ private:
     CaptureSession m_session{ m_captureQueue,
         {
             .onPicture = [this](const PictureSample& sample) { append(sample, TrackKind::camera); },
-            .onSound = [this](const SoundSample& sample) { append(sample, TrackKind::audio); },
+            .onSound =
+                [this](const SoundSample& sample) {
+                    m_latestSound = sample;
+                    append(sample, TrackKind::audio);
+                },
         } };
 };
 
