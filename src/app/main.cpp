@@ -1,3 +1,4 @@
+#include "app/ClipRescue.h"
 #include "app/CommandLine.h"
 #include "app/HeadlessRun.h"
 #include "app/Launch.h"
@@ -5,7 +6,6 @@
 #include "app/Window.h"
 #include "base/AppError.h"
 #include "model/AppModel.h"
-#include "model/RecordingFlow.h"
 #include "platform/FileBrowser.h"
 
 #include <QGuiApplication>
@@ -30,15 +30,6 @@ int runWithoutWindow(int& argc, char** argv, const CommandLine& line)
     return QCoreApplication::exec();
 }
 
-AppModel* rescued = nullptr;
-
-/// The toolkit ends the process by itself when the X server is gone: nothing but this comes in between.
-void rescueClip()
-{
-    if (rescued)
-        rescued->recording().rescueClip();
-}
-
 int runWithWindow(int& argc, char** argv, const CommandLine& line)
 {
     Window::requireDesktop();
@@ -46,17 +37,14 @@ int runWithWindow(int& argc, char** argv, const CommandLine& line)
     AppModel model({ .reveal = revealInFileBrowser });
     const Window window(model);
     Launch launch(model, line);
-    rescued = &model;
-    std::atexit(rescueClip);
+    const ClipRescue rescue(model);
     const UnixSignals signals;
     QObject::connect(&signals, &UnixSignals::caught, &model, &AppModel::quit);
     // Not quit(), which would ask the window again.
     QObject::connect(
         &model, &AppModel::readyToQuit, &application, [] { QCoreApplication::exit(EXIT_SUCCESS); }, Qt::QueuedConnection);
     QTimer::singleShot(0, &launch, &Launch::start);
-    const int status = QGuiApplication::exec();
-    rescued = nullptr;
-    return status;
+    return QGuiApplication::exec();
 }
 
 int run(int& argc, char** argv)

@@ -217,11 +217,12 @@ TEST_F(ProgramTest, recordsExportsAndSaysWhere)
 TEST_F(ProgramTest, aRecordingOutlivesTheScreenOfItsWindow)
 {
     auto screen = std::make_unique<test::XServer>(640, 360);
-    const auto program = start("--autorecord 60", "xcb");
+    const auto program = start("--autorecord 60", "xcb QT_QUICK_BACKEND=software");
     ASSERT_TRUE(holdsSoon([this] { return hasClip(); }));
     std::this_thread::sleep_for(1s); // Of the clip's time.
     screen.reset();
-    finish(*program);
+    const Result result = finish(*program);
+    ASSERT_TRUE(fs::exists(onlyProject() / "project.json")) << result.status << ": " << result.errors;
     const Project project = loadProject(onlyProject());
     ASSERT_THAT(project.clips, SizeIs(1));
     EXPECT_GE(project.clips[0].duration, 1);
