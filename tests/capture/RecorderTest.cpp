@@ -138,22 +138,11 @@ TEST_F(RecorderTest, oneRecordingAfterTheOtherHoldsNoMore)
         recorder.session().stopCamera();
         ASSERT_TRUE(pumpUntil([&] { return !recorder.session().preview().latest(); }));
     };
-    std::vector<std::ptrdiff_t> silences;
-    const auto listen = [&] {
-        const auto sound = test::probeSound(file, "a:0");
-        silences.push_back(std::ranges::find_if(sound, [](float sample) { return std::abs(sample) > 0.02F; }) - sound.begin());
-    };
-    for (int i = 0; i < 3; ++i) {
+    for (int i = 0; i < 3; ++i)
         recordClip();
-        listen();
-    }
     const Holdings before;
-    for (int i = 0; i < 7; ++i) {
+    for (int i = 0; i < 7; ++i)
         recordClip();
-        listen();
-    }
-    std::ranges::sort(silences);
-    EXPECT_LT(silences[silences.size() / 2], 48 * 5) << "samples until the microphone is heard, but for what a busy machine loses";
     EXPECT_TRUE(pumpUntil([&] { return Holdings().threads <= before.threads; })) << Holdings().threads << " > " << before.threads;
     EXPECT_TRUE(pumpUntil([&] { return Holdings().files <= before.files; })) << Holdings().files << " > " << before.files;
     constexpr std::size_t noise = 1 << 20;
