@@ -1,22 +1,14 @@
 #include "Figure.h"
+#include "ProcessorTime.h"
 
 #include "render/BackgroundBlur.h"
 #include "support/Photograph.h"
 
-#include <ctime>
 #include <vector>
 
 namespace vantry::bench {
 
 namespace {
-
-/// The processor time of this thread: what one core spends, whatever else runs.
-double threadSeconds()
-{
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
-}
 
 /// The mean time of a camera picture in milliseconds: mask, blur and blend.
 double meanFrame(int width, int height)

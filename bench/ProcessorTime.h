@@ -1,5 +1,6 @@
 #pragma once
 
+#include <ctime>
 #include <sys/resource.h>
 
 namespace vantry::bench {
@@ -11,6 +12,14 @@ inline double processorSeconds(__rusage_who of = RUSAGE_SELF)
     getrusage(of, &usage);
     const auto sum = [](const timeval& time) { return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6; };
     return sum(usage.ru_utime) + sum(usage.ru_stime);
+}
+
+/// The processor time of this thread: what one core spends, whatever else runs.
+inline double threadSeconds()
+{
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
 }
 
 } // namespace vantry::bench
