@@ -1,9 +1,9 @@
-// testcamera [NAME [DESCRIPTION [FORMAT [WIDTHxHEIGHT [seconds]]]]]
+// testcamera [NAME [DESCRIPTION [FORMAT [WIDTHxHEIGHT [seconds|busy]]]]]
 //
 // A camera on the media server that shows CameraPattern at 30 frames a second, as YUY2, NV12, I420, BGRx or MJPG in three sizes, or
 // only as FORMAT and in one size. As real cameras do, it drives its own graph, and each frame's header carries the time on
 // CLOCK_MONOTONIC at which it was taken. It works only while somebody looks. With `seconds` it takes its frames at whole thirtieths
-// of a second of that clock, and its flash is on the frame of each whole second.
+// of a second of that clock, and its flash is on the frame of each whole second. With `busy` it is there and refuses everyone.
 
 #include "desktop/CameraPattern.h"
 #include "desktop/PipeWireLoop.h"
@@ -12,6 +12,7 @@
 #include <QImage>
 
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
@@ -45,6 +46,7 @@ struct Abilities {
     std::vector<Format> formats{ std::begin(allFormats), std::end(allFormats) };
     std::vector<spa_rectangle> sizes{ std::begin(allSizes), std::end(allSizes) };
     bool followsSeconds = false;
+    bool isBusy = false;
 };
 
 int64_t now()
@@ -109,6 +111,7 @@ private:
     PipeWireLoop m_loop;
     StreamPointer m_stream;
     const bool m_followsSeconds;
+    const bool m_isBusy;
     spa_source* m_timer = nullptr; // belongs to the loop
 
     spa_video_format m_format = SPA_VIDEO_FORMAT_UNKNOWN; // unknown: compressed
@@ -120,6 +123,7 @@ private:
 
 TestCamera::TestCamera(const Abilities& abilities)
     : m_followsSeconds(abilities.followsSeconds)
+    , m_isBusy(abilities.isBusy)
 {
     static const pw_stream_events events = {
         .version = PW_VERSION_STREAM_EVENTS,
@@ -155,7 +159,7 @@ void TestCamera::connect(const Abilities& abilities)
 void TestCamera::changeState(pw_stream_state state)
 {
     setTimer(state == PW_STREAM_STATE_STREAMING ? second / framesPerSecond : 0);
-    if (state == PW_STREAM_STATE_ERROR || state == PW_STREAM_STATE_UNCONNECTED)
+    if ((state == PW_STREAM_STATE_ERROR && !m_isBusy) || state == PW_STREAM_STATE_UNCONNECTED)
         m_loop.quit();
 }
 
@@ -181,6 +185,10 @@ int64_t TestCamera::takeFrame()
 
 void TestCamera::changeFormat(const spa_pod* parameter)
 {
+    if (m_isBusy) {
+        pw_stream_set_error(m_stream.get(), -EBUSY, "Device or resource busy");
+        return;
+    }
     uint32_t type = 0, subtype = 0;
     spa_format_parse(parameter, &type, &subtype);
     spa_rectangle size{};
@@ -302,6 +310,7 @@ Abilities parse(const std::vector<std::string>& arguments)
     if (arguments.size() > 4 && std::sscanf(arguments[4].c_str(), "%ux%u", &size.width, &size.height) == 2)
         abilities.sizes = { size };
     abilities.followsSeconds = arguments.size() > 5 && arguments[5] == "seconds";
+    abilities.isBusy = arguments.size() > 5 && arguments[5] == "busy";
     return abilities;
 }
 

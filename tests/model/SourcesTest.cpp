@@ -1,3 +1,4 @@
+#include "capture/Recorder.h"
 #include "model/CaptureDevices.h"
 #include "model/ModelTest.h"
 #include "support/DeviceProgram.h"
@@ -78,6 +79,27 @@ TEST_F(SourcesTest, whatHappensTogetherStaysTogether)
     const auto exported = test::clicksAfterFlashes(m_folder / "video.mp4", "v:0", 2);
     ASSERT_GE(exported.size(), 3u);
     EXPECT_THAT(exported, testing::Each(testing::DoubleNear(-frame / 2, frame / 2 + 0.005)));
+}
+
+TEST_F(SourcesTest, aRefusedCameraIsToldBeforeTheCountdownAndOnlyOnce)
+{
+    const std::string busyName = test::uniqueName("busy");
+    const test::DeviceProgram busy("testcamera", { busyName, "Busy camera", "YUY2", "640x360", "busy" });
+    choose();
+    m_model.settings()->setCameraID(QString::fromStdString(busyName));
+    m_model.devices()->startCamera();
+    ASSERT_TRUE(pumpUntil([&] { return !m_model.recorder().session().refusal().empty(); }));
+
+    m_model.record();
+    ASSERT_TRUE(pumpUntil([&] { return m_model.alert().has_value(); }));
+    EXPECT_THAT(
+        alert(), testing::AllOf(testing::StartsWith("Busy camera: "), testing::EndsWith("Press Record again to record without it.")));
+    EXPECT_EQ(m_model.phase(), Phase::setup());
+    m_model.setAlert(std::nullopt);
+
+    record(1);
+    EXPECT_EQ(m_model.alert(), std::nullopt);
+    EXPECT_EQ(m_model.project()->clips.size(), 1u);
 }
 
 } // namespace vantry
