@@ -151,13 +151,18 @@ void CaptureSession::update()
 {
     const auto list = devices();
     m_camera.update(list.cameras, m_isRunning);
-    const auto latest = m_preview.latest();
-    m_camera.expectSigns(latest ? latest->time : HostTime(), longestSilence, AppError("The camera sends no pictures"));
+    expectPictures();
     m_microphone.update(list.microphones, m_isRunning);
-    if (!m_camera.isOpen() && latest)
+    if (!m_camera.isOpen() && m_preview.latest())
         m_preview.set({});
     if (!m_microphone.isOpen())
         m_meter.reset();
+}
+
+void CaptureSession::expectPictures()
+{
+    const auto latest = m_preview.latest();
+    m_camera.expectSigns(latest ? latest->time : HostTime(), longestSilence, AppError("The camera sends no pictures"));
 }
 
 void CaptureSession::tell(const std::string& text)
@@ -233,6 +238,7 @@ bool CaptureSession::hasMic()
 std::string CaptureSession::refusal()
 {
     return m_sessionQueue.sync([this] {
+        expectPictures();
         const std::string camera = m_camera.refusal();
         return camera.empty() ? m_microphone.refusal() : camera;
     });

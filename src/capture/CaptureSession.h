@@ -75,6 +75,7 @@ private:
     void disconnect(const std::string& reason);
     void setDevices(const MediaDeviceList& list);
     void update();
+    void expectPictures();
     void tell(const std::string& text);
 
     DeviceSlot::Stream openCamera(const MediaDevice& device, std::uint64_t number);

@@ -60,7 +60,8 @@ void DeviceSlot::notePresence(const MediaDevice* device, bool shouldRun)
 
 std::string DeviceSlot::refusal() const
 {
-    const bool isWell = m_stream && HostClock::now() - m_opened >= openingTime;
+    const bool isHeard = m_lastSign ? *m_lastSign >= m_opened : HostClock::now() - m_opened >= openingTime;
+    const bool isWell = m_stream && isHeard;
     return isWell || m_failures < failuresOfAMoment ? std::string() : m_refusal;
 }
 
@@ -89,13 +90,16 @@ void DeviceSlot::close()
 
 void DeviceSlot::expectSigns(HostTime lastSign, HostDuration longest, const AppError& otherwise)
 {
+    m_lastSign = lastSign;
     if (!m_stream)
         return;
     const HostDuration silence = HostClock::now() - std::max(lastSign, m_opened);
     if (silence < longest)
-        m_actions.retryIn(longest - silence);
-    else
-        fail(m_number, otherwise);
+        return m_actions.retryIn(longest - silence);
+    // That was no moment.
+    if (m_failures < failuresOfAMoment)
+        m_failures = failuresOfAMoment - 1;
+    fail(m_number, otherwise);
 }
 
 void DeviceSlot::fail(std::uint64_t number, const AppError& error)

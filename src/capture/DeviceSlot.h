@@ -72,6 +72,7 @@ private:
     std::uint64_t m_number = 0;
     HostTime m_opened;
     HostTime m_retryAt;
+    std::optional<HostTime> m_lastSign; ///< None where none are expected.
     int m_failures = 0; ///< In a row.
     std::string m_refusal;
 };
