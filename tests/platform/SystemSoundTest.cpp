@@ -1,14 +1,13 @@
 #include "platform/SystemSound.h"
 
 #include "platform/PipeWireLoop.h"
-#include "support/Command.h"
+#include "platform/SoundOutput.h"
 #include "support/Ear.h"
 #include "support/MediaServer.h"
+#include "support/OtherSpeakers.h"
 #include "support/PumpUntil.h"
+#include "support/Speakers.h"
 #include "support/TonePlayer.h"
-
-#include <pipewire/pipewire.h>
-#include <spa/param/audio/format-utils.h>
 
 #include <array>
 #include <atomic>
@@ -37,81 +36,26 @@ SoundStream::Handlers handlersOf(Ear& ear)
 /// This process plays a tone itself.
 class OwnTone {
 public:
-    OwnTone(PipeWireLoop& loop, double pitch);
-    ~OwnTone();
+    OwnTone(PipeWireLoop& loop, double pitch)
+        : m_output(loop, [](const AppError& error) { ADD_FAILURE() << error.what(); })
+        , m_step(2 * std::numbers::pi * pitch / SoundOutput::sampleRate)
+    {
+        m_output.start();
+    }
+
+    /// Writes what there is room for.
+    void goOn()
+    {
+        for (std::array<float, 2> sample{};;) {
+            sample.fill(static_cast<float>(TonePlayer::amplitude * std::sin(m_step * static_cast<double>(m_output.written()))));
+            if (m_output.write(sample) == 0)
+                return;
+        }
+    }
 
 private:
-    void process();
-
-    PipeWireLoop& m_loop;
+    SoundOutput m_output;
     const double m_step;
-    double m_phase = 0;
-    pw_stream* m_stream;
-    spa_hook m_hook{};
-};
-
-OwnTone::OwnTone(PipeWireLoop& loop, double pitch)
-    : m_loop(loop)
-    , m_step(2 * std::numbers::pi * pitch / 48000)
-{
-    static const pw_stream_events events = { .version = PW_VERSION_STREAM_EVENTS,
-        .process = [](void* self) { static_cast<OwnTone*>(self)->process(); } };
-    const std::lock_guard guard(loop);
-    m_stream = pw_stream_new(
-        loop.core(), "own tone", pw_properties_new(PW_KEY_MEDIA_TYPE, "Audio", PW_KEY_MEDIA_CATEGORY, "Playback", nullptr));
-    pw_stream_add_listener(m_stream, &m_hook, &events, this);
-    std::array<std::uint8_t, 1024> memory;
-    spa_pod_builder builder = SPA_POD_BUILDER_INIT(memory.data(), memory.size());
-    spa_audio_info_raw format{
-        .format = SPA_AUDIO_FORMAT_F32, .rate = 48000, .channels = 1, .position = { SPA_AUDIO_CHANNEL_MONO }
-    };
-    const spa_pod* parameters[] = { spa_format_audio_raw_build(&builder, SPA_PARAM_EnumFormat, &format) };
-    const auto flags = static_cast<pw_stream_flags>(PW_STREAM_FLAG_AUTOCONNECT | PW_STREAM_FLAG_MAP_BUFFERS);
-    pw_stream_connect(m_stream, PW_DIRECTION_OUTPUT, PW_ID_ANY, flags, parameters, 1);
-}
-
-OwnTone::~OwnTone()
-{
-    m_loop.invoke([this] { pw_stream_destroy(m_stream); });
-}
-
-void OwnTone::process()
-{
-    pw_buffer* buffer = pw_stream_dequeue_buffer(m_stream);
-    if (!buffer)
-        return;
-    const spa_data& data = buffer->buffer->datas[0];
-    const auto most = data.maxsize / sizeof(float);
-    const auto count = buffer->requested ? std::min<std::uint64_t>(buffer->requested, most) : most;
-    for (std::uint64_t i = 0; i < count; ++i, m_phase += m_step)
-        static_cast<float*>(data.data)[i] = static_cast<float>(TonePlayer::amplitude * std::sin(m_phase));
-    *data.chunk = { .offset = 0, .size = static_cast<std::uint32_t>(count * sizeof(float)), .stride = sizeof(float) };
-    pw_stream_queue_buffer(m_stream, buffer);
-}
-
-/// A second output, the default one while it is there.
-class OtherSpeakers {
-public:
-    OtherSpeakers()
-    {
-        if (!pumpUntil([] { return test::runCommand("pw-cli ls Node").find("\"other-speakers\"") != std::string::npos; }))
-            throw std::runtime_error("No other speakers");
-        setDefault("other-speakers");
-    }
-    ~OtherSpeakers()
-    {
-        m_program.end();
-        setDefault("test-sink");
-    }
-
-private:
-    static void setDefault(const std::string& name)
-    {
-        test::runCommand("pw-metadata 0 default.configured.audio.sink '{ \"name\": \"" + name + "\" }'");
-    }
-
-    test::Program m_program{ { "pw-loopback", "--capture-props=media.class=Audio/Sink node.name=other-speakers",
-        "--playback-props=node.autoconnect=false" } };
 };
 
 class SystemSoundTest : public test::EventLoopTest {
@@ -172,19 +116,18 @@ TEST_F(SystemSoundTest, hearsEveryChannelOnItsSide)
 
 TEST_F(SystemSoundTest, doesNotHearThisProcess)
 {
-    Ear speakers;
-    const SoundStream atTheSpeakers(loop,
-        { .what = "It", .name = "test", .channels = 2, .properties = { { PW_KEY_STREAM_CAPTURE_SINK, "true" } } },
-        handlersOf(speakers));
+    const test::Speakers speakers;
     const SystemSound sound(loop, handlersOf(ear));
-    const OwnTone own(loop, 1500);
+    OwnTone own(loop, 1500);
     // As a library in this process would play through the Pulse server.
     setenv("PULSE_PROP", ("application.process.id=" + std::to_string(getpid())).c_str(), 1);
     const TonePlayer ownByPulse(Server::Pulse, { 2100 });
     unsetenv("PULSE_PROP");
     const TonePlayer other(Server::Pulse, { 700, 700 });
-    ASSERT_TRUE(pumpUntil([&] { return speakers.latest(0, 1500) > loud && speakers.latest(0, 2100) > loud; }));
-    ASSERT_TRUE(pumpUntil([&] { return ear.latest(0, 700) > loud; }));
+    ASSERT_TRUE(pumpUntil([&] {
+        own.goOn();
+        return speakers.latest(1500) > loud && speakers.latest(2100) > loud && ear.latest(0, 700) > loud;
+    }));
     EXPECT_LT(ear.latest(0, 2100), inaudible);
     EXPECT_LT(ear.latest(0, 1500), inaudible);
     EXPECT_LT(ear.latest(1, 1500), inaudible);
@@ -196,7 +139,7 @@ TEST_F(SystemSoundTest, hearsProgramsWhateverTheDefaultOutputIs)
     const TonePlayer first(Server::Pulse, { 700 });
     ASSERT_TRUE(pumpUntil([&] { return ear.latest(0, 700) > loud; }));
     {
-        const OtherSpeakers other;
+        const test::OtherSpeakers other;
         const TonePlayer second(Server::PipeWire, { 1100 });
         EXPECT_TRUE(pumpUntil([&] { return ear.latest(0, 1100) > loud; }));
         EXPECT_TRUE(pumpUntil([&] { return ear.latest(0, 700) > loud; }));
