@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <future>
+#include <memory>
 #include <string>
 #include <thread>
 #include <type_traits>
@@ -11,7 +12,7 @@
 namespace vantry {
 
 /// A named thread that runs jobs one after the other, in the order they were posted. Destroying it runs what was posted and joins.
-/// A job must not throw, except through `sync`. Posting is safe from any thread.
+/// A job must not throw, except through `sync` and `async`. Posting is safe from any thread.
 class Worker {
 public:
     using Job = std::function<void()>;
@@ -38,14 +39,21 @@ public:
     /// For a worker that blocks when full and outlives its callers.
     void post(Job job) { static_cast<void>(tryPost(std::move(job))); }
 
-    /// Runs `function` on the worker and waits for its result; what it throws is thrown here. Never call it from the worker itself.
+    /// Runs `function` on the worker. The future gives its result, or throws what it threw; it does not wait when it is dropped.
+    template <typename Function>
+    auto async(Function function) -> std::future<std::invoke_result_t<Function>>
+    {
+        const auto task = std::make_shared<std::packaged_task<std::invoke_result_t<Function>()>>(std::move(function));
+        auto result = task->get_future();
+        post([task] { (*task)(); });
+        return result;
+    }
+
+    /// The same, and waits for it. Never call it from the worker itself.
     template <typename Function>
     auto sync(Function function) -> std::invoke_result_t<Function>
     {
-        std::packaged_task<std::invoke_result_t<Function>()> task(std::move(function));
-        auto result = task.get_future();
-        post([&task] { task(); });
-        return result.get();
+        return async(std::move(function)).get();
     }
 
     /// No more jobs; waits until those that were posted have run. Called by the destructor too.

@@ -4,9 +4,9 @@
 
 namespace vantry {
 
-AudioMix::AudioMix(const CompositionPlan& plan)
-    : m_microphone(plan.segmentsOf(TrackKind::audio))
-    , m_system(plan.segmentsOf(TrackKind::system))
+AudioMix::AudioMix(const CompositionPlan& plan, SampleCount from)
+    : m_microphone(plan.segmentsOf(TrackKind::audio), from)
+    , m_system(plan.segmentsOf(TrackKind::system), from)
     , m_systemVolume(plan.systemVolume)
 {
 }

@@ -8,9 +8,9 @@ namespace vantry {
 /// time.
 class AudioMix {
 public:
-    explicit AudioMix(const CompositionPlan& plan);
+    explicit AudioMix(const CompositionPlan& plan, SampleCount from = {});
 
-    /// The next stretch in stereo, from the composition's beginning on; never louder than full scale. Throws AppError.
+    /// The next stretch in stereo, from `from` on; never louder than full scale. Throws AppError.
     Sound next(SampleCount length);
 
 private:

@@ -24,10 +24,9 @@ CameraLayer::CameraLayer(int width, int height)
 
 void CameraLayer::update(const Picture& camera, const Placement& placement, TileMap& changed)
 {
-    const bool newPicture = camera && camera != m_camera;
-    const bool newSize = newPicture && (!m_camera || m_camera.width() != camera.width() || m_camera.height() != camera.height());
-    if (newPicture)
-        m_camera = camera;
+    const bool newPicture = camera != m_camera;
+    const bool newSize = m_camera.width() != camera.width() || m_camera.height() != camera.height();
+    m_camera = camera;
     const bool shown = m_camera && placement.opacity > Renderer::leastCameraOpacity && isDrawable(placement.rect);
     if (!shown && !m_shown)
         return;

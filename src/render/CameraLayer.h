@@ -16,8 +16,8 @@ class CameraLayer {
 public:
     CameraLayer(int width, int height);
 
-    /// Takes the newest camera picture (a null one keeps the last) and where it goes, and marks the parts of the
-    /// frame that are no longer the same.
+    /// Takes the camera's picture (none: nothing is shown) and where it goes, and marks the parts of the frame that are no longer
+    /// the same.
     void update(const Picture& camera, const Placement& placement, TileMap& changed);
 
     bool isShown() const { return m_shown; }

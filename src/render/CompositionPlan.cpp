@@ -23,4 +23,9 @@ std::int64_t CompositionPlan::frameCount() const
     return (duration + frameDuration - MediaTime(1)) / frameDuration;
 }
 
+std::int64_t CompositionPlan::frameAt(MediaTime time) const
+{
+    return std::clamp<std::int64_t>(time / frameDuration, 0, std::max<std::int64_t>(frameCount() - 1, 0));
+}
+
 } // namespace vantry

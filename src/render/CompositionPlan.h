@@ -40,6 +40,9 @@ struct CompositionPlan {
 
     /// How many output frames begin within the duration.
     std::int64_t frameCount() const;
+
+    /// The output frame that is shown at a time; beyond either end the first or the last.
+    std::int64_t frameAt(MediaTime time) const;
 };
 
 } // namespace vantry

@@ -36,8 +36,6 @@ struct Compositor::State {
     const int height;
 
     PicturePool pool;
-    Picture latestScreen;
-    Picture latestCamera;
     std::optional<BackgroundBlur> blur;
     ScreenLayer screenLayer;
     CameraLayer cameraLayer;
@@ -88,10 +86,8 @@ TileMap Compositor::State::update(double time, const Picture& screen, const Pict
 {
     TileMap changed(width, height);
     updateCamera(time, camera, changed);
-    if (screen)
-        latestScreen = screen;
     if (!cameraLayer.hidesAll()) // Or else the screen can wait: what is uncovered later is marked as changed then.
-        screenLayer.update(latestScreen, changed);
+        screenLayer.update(screen, changed);
     updateOverlays(time, changed);
     return changed;
 }
@@ -100,11 +96,9 @@ void Compositor::State::updateCamera(double time, const Picture& camera, TileMap
 {
     const Size size{ static_cast<double>(width), static_cast<double>(height) };
     const auto placement = Renderer::cameraPlacement(time, timeline.layoutAt(time), instruction->project.bubbleSize, size);
-    if (camera)
-        latestCamera = camera;
     // What nobody sees need not be blurred.
     const bool isSeen = placement.opacity > Renderer::leastCameraOpacity;
-    cameraLayer.update(blur && isSeen ? blur->apply(latestCamera) : latestCamera, placement, changed);
+    cameraLayer.update(blur && isSeen ? blur->apply(camera) : camera, placement, changed);
 }
 
 void Compositor::State::updateOverlays(double time, TileMap& changed)

@@ -15,7 +15,7 @@ public:
     Compositor(std::shared_ptr<const RenderInstruction> instruction, int width, int height);
     ~Compositor();
 
-    /// The frame at `time`. A source without a picture at that time (a null one) keeps showing the last it had.
+    /// The frame at `time`. A null picture is a source that shows nothing.
     Picture compose(MediaTime time, const Picture& screen, const Picture& camera);
 
 private:

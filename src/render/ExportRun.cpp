@@ -2,8 +2,6 @@
 
 #include "base/Worker.h"
 #include "render/AudioMix.h"
-#include "render/Compositor.h"
-#include "render/TrackPictures.h"
 
 #include <algorithm>
 #include <utility>
@@ -15,7 +13,7 @@ namespace {
 constexpr int soundBitRate = 384'000;
 
 /// Enough that no stage waits for another's hiccup, little enough that long videos need no more memory than short ones.
-constexpr std::size_t picturesAhead = 4;
+constexpr std::size_t framesAhead = 6;
 constexpr std::size_t soundAhead = 32;
 
 constexpr auto progressInterval = std::chrono::milliseconds(100);
@@ -36,9 +34,6 @@ ExportRun::ExportRun(const ExportOptions& options, CompositionPlan plan, const s
     : m_options(options)
     , m_plan(std::move(plan))
     , m_frameCount(m_plan.frameCount())
-    , m_screen(picturesAhead)
-    , m_camera(picturesAhead)
-    , m_frames(picturesAhead)
     , m_sound(soundAhead)
     , m_encoder(exportSettings(m_plan.size))
     , m_muxer(file, MovieFormat::Publish)
@@ -54,11 +49,8 @@ ExportRun::ExportRun(const ExportOptions& options, CompositionPlan plan, const s
 ExportOutcome ExportRun::run()
 {
     {
-        const std::stop_callback onCancel(m_options.cancel, [this] { stop(); });
-        Worker screen("export-screen"), camera("export-camera"), compositor("export-compose"), sound("export-sound");
-        screen.post([this] { runStage([this] { decode(TrackKind::screen, m_screen); }); });
-        camera.post([this] { runStage([this] { decode(TrackKind::camera, m_camera); }); });
-        compositor.post([this] { runStage([this] { compose(); }); });
+        const std::stop_callback onCancel(m_options.cancel, [this] { m_sound.abandon(); });
+        Worker sound("export-sound");
         if (m_soundEncoder)
             sound.post([this] { runStage([this] { encodeSound(); }); });
         runStage([this] { encodeAndWrite(); });
@@ -78,36 +70,7 @@ void ExportRun::runStage(const std::function<void()>& stage)
             if (!m_error)
                 m_error = std::current_exception();
         }
-        stop();
-    }
-}
-
-void ExportRun::stop()
-{
-    m_screen.abandon();
-    m_camera.abandon();
-    m_frames.abandon();
-    m_sound.abandon();
-}
-
-void ExportRun::decode(TrackKind role, BoundedQueue<Picture>& pictures)
-{
-    TrackPictures track(m_plan.segmentsOf(role), {});
-    for (std::int64_t frame = 0; frame < m_frameCount; ++frame)
-        if (!pictures.push(track.at(frameTime(frame))))
-            return;
-}
-
-void ExportRun::compose()
-{
-    const auto instruction = std::make_shared<const RenderInstruction>(
-        RenderInstruction{ .duration = m_plan.duration, .project = m_options.project, .images = m_options.images });
-    Compositor compositor(instruction, m_plan.size.width, m_plan.size.height);
-    for (std::int64_t frame = 0; frame < m_frameCount; ++frame) {
-        const auto screen = m_screen.pop();
-        const auto camera = m_camera.pop();
-        if (!screen || !camera || !m_frames.push(compositor.compose(frameTime(frame), *screen, *camera)))
-            return;
+        m_sound.abandon();
     }
 }
 
@@ -131,12 +94,15 @@ void ExportRun::encodeSound()
 void ExportRun::encodeAndWrite()
 {
     const PacketSink writePicture = [this](Packet packet) { m_muxer.write(m_pictureTrack, std::move(packet)); };
+    m_frames.setComposition(m_plan,
+        std::make_shared<const RenderInstruction>(
+            RenderInstruction{ .duration = m_plan.duration, .project = m_options.project, .images = m_options.images }));
+    std::int64_t asked = 0;
     for (std::int64_t frame = 0; frame < m_frameCount; ++frame) {
-        const auto picture = m_frames.pop();
-        if (!picture)
-            return;
-        m_encoder.encode(*picture, frameTime(frame), PictureKind::Any, writePicture);
-        if (m_soundTrack >= 0 && !writeSound())
+        while (asked < m_frameCount && m_frames.asked() < framesAhead)
+            m_frames.ask(asked++);
+        m_encoder.encode(m_frames.take(), frameTime(frame), PictureKind::Any, writePicture);
+        if (m_options.cancel.stop_requested() || (m_soundTrack >= 0 && !writeSound()))
             return;
         reportProgress(frame);
     }

@@ -3,10 +3,10 @@
 #include "base/BoundedQueue.h"
 #include "media/AudioEncoder.h"
 #include "media/Muxer.h"
-#include "media/Picture.h"
 #include "media/VideoEncoder.h"
 #include "render/CompositionPlan.h"
 #include "render/Exporter.h"
+#include "render/FrameMaker.h"
 
 #include <chrono>
 #include <exception>
@@ -17,8 +17,8 @@
 
 namespace vantry {
 
-/// One running export: stages on threads of their own that hand pictures and packets on through bounded queues, frame by frame. The
-/// first error, or the wish to cancel, closes all queues, which ends all stages.
+/// One running export: frames and sound are made on threads of their own, a few frames ahead of the one that is encoded. The first
+/// error, or the wish to cancel, ends all of them.
 class ExportRun {
 public:
     /// Makes `file`. The options outlive the run. Throws AppError.
@@ -32,13 +32,10 @@ private:
     using SoundPackets = std::vector<Packet>; ///< The sound of one frame: none, one or two packets.
 
     // The stages.
-    void decode(TrackKind role, BoundedQueue<Picture>& pictures);
-    void compose();
     void encodeSound();
     void encodeAndWrite();
 
     void runStage(const std::function<void()>& stage);
-    void stop();
     bool writeSound();
     void reportProgress(std::int64_t frame);
 
@@ -46,11 +43,7 @@ private:
     const CompositionPlan m_plan;
     const std::int64_t m_frameCount;
 
-    // Between the stages.
-    BoundedQueue<Picture> m_screen;
-    BoundedQueue<Picture> m_camera;
-    BoundedQueue<Picture> m_frames;
-    BoundedQueue<SoundPackets> m_sound;
+    BoundedQueue<SoundPackets> m_sound; ///< Between the stages; closed when the export is given up.
 
     std::mutex m_errorMutex;
     std::exception_ptr m_error; ///< The first; guarded by the mutex.
@@ -59,6 +52,7 @@ private:
     std::optional<AudioEncoder> m_soundEncoder; ///< None in a silent project.
 
     // Belongs to the exporting thread.
+    FrameMaker m_frames{ "export" };
     VideoEncoder m_encoder;
     Muxer m_muxer;
     int m_pictureTrack = -1;

@@ -28,9 +28,9 @@ ScreenLayer::ScreenLayer(int width, int height, std::optional<CropRect> crop)
 
 void ScreenLayer::update(const Picture& screen, TileMap& changed)
 {
-    if (!screen || screen == m_screen)
+    if (screen == m_screen)
         return;
-    const bool sameSize = m_screen && m_screen.width() == screen.width() && m_screen.height() == screen.height();
+    const bool sameSize = m_screen.width() == screen.width() && m_screen.height() == screen.height();
     const Picture before = std::exchange(m_screen, screen);
     if (!sameSize) {
         lay(screen);

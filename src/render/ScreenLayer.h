@@ -14,7 +14,7 @@ class ScreenLayer {
 public:
     ScreenLayer(int width, int height, std::optional<CropRect> crop);
 
-    /// Takes the newest screen picture (a null one changes nothing) and marks the parts of the frame that are no longer the same.
+    /// Takes the screen's picture (none: background only) and marks the parts of the frame that are no longer the same.
     void update(const Picture& screen, TileMap& changed);
 
     /// The layer as a picture of the frame's size, where that costs nothing; null otherwise.

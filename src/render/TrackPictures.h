@@ -3,34 +3,48 @@
 #include "media/VideoReader.h"
 #include "render/CompositionPlan.h"
 
+#include <deque>
 #include <memory>
 #include <optional>
 #include <vector>
 
 namespace vantry {
 
-/// The pictures of one role of a composition, for output times that grow from call to call. Opens a clip's file when its turn comes
-/// and closes it after. One thread at a time.
+/// The pictures of one role of a composition, for output frames in any order; one after the other is the cheapest. Keeps the file
+/// open that it read last. One thread at a time.
 class TrackPictures {
 public:
-    TrackPictures(std::vector<Segment> segments, VideoReader::Options options);
+    struct Options {
+        VideoReader::Options reader{};
+        /// So many decoded pictures are kept, at least the one that is shown and the one that follows it.
+        std::size_t kept = 2;
+    };
 
-    /// The newest picture at or before `time`, as long as it is the newest the same one; null where the composition has none.
-    /// Throws AppError.
+    TrackPictures(std::vector<Segment> segments, Options options);
+
+    /// What the output frame at `time` shows: the newest picture at or before it, as long as it is the newest the same one. In a
+    /// gap the last one of the frames before it stays; null before the first. Throws AppError.
     Picture at(MediaTime time);
 
+    const std::vector<Segment>& segments() const { return m_segments; }
+
 private:
-    const Segment* segmentAt(MediaTime time);
-    void open(const Segment& segment, MediaTime sourceTime);
+    Picture pictureIn(std::size_t segment, MediaTime time);
+    void open(std::size_t segment);
+    void close();
+    void reach(MediaTime sourceTime);
+    void seek(MediaTime sourceTime);
+    void readOne();
 
     const std::vector<Segment> m_segments;
-    const VideoReader::Options m_options;
-    std::size_t m_current = 0;
+    const Options m_options;
 
-    // Of the current segment.
+    // Of the segment that was read last.
+    std::optional<std::size_t> m_current;
     std::unique_ptr<VideoReader> m_reader;
-    Picture m_shown;
-    std::optional<TimedPicture> m_following;
+    std::deque<TimedPicture> m_decoded; ///< Without a gap, in their order.
+    MediaTime m_from{}; ///< The earliest source time for which they hold the picture.
+    bool m_isAtEnd = false; ///< None follows them.
 };
 
 } // namespace vantry

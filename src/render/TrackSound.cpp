@@ -14,9 +14,12 @@ SampleCount samplesAt(MediaTime time)
 
 } // namespace
 
-TrackSound::TrackSound(std::vector<Segment> segments)
+TrackSound::TrackSound(std::vector<Segment> segments, SampleCount from)
     : m_segments(std::move(segments))
+    , m_position(from)
 {
+    while (m_current < m_segments.size() && samplesAt(m_segments[m_current].outputEnd()) <= from)
+        ++m_current;
 }
 
 void TrackSound::addTo(Sound& mix, float gain)
@@ -56,7 +59,7 @@ std::optional<TrackSound::Piece> TrackSound::readPiece(const Segment& segment)
 {
     if (!m_reader) {
         m_reader = std::make_unique<AudioReader>(segment.file, segment.track, channels);
-        m_reader->seek(segment.sourceStart);
+        m_reader->seek(segment.sourceStart + std::max(m_position - samplesAt(segment.outputStart), SampleCount(0)));
     }
     auto read = m_reader->next();
     if (!read)

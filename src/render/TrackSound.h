@@ -9,13 +9,13 @@
 
 namespace vantry {
 
-/// The sound of one role of a composition from its beginning on, in stereo, each sample in its place; a single channel sounds from
+/// The sound of one role of a composition from a position on, in stereo, each sample in its place; a single channel sounds from
 /// both. One thread at a time.
 class TrackSound {
 public:
     static constexpr int channels = 2;
 
-    explicit TrackSound(std::vector<Segment> segments);
+    explicit TrackSound(std::vector<Segment> segments, SampleCount from = {});
 
     /// Adds the next stretch, as long as `mix`, with its samples multiplied by `gain`. What has no sound adds nothing. Throws
     /// AppError.
@@ -37,7 +37,7 @@ private:
     std::size_t m_current = 0;
     std::unique_ptr<AudioReader> m_reader; ///< Of the current segment.
     std::optional<Piece> m_piece; ///< Of the current segment; not used up.
-    SampleCount m_position{};
+    SampleCount m_position;
 };
 
 } // namespace vantry

@@ -136,7 +136,7 @@ TEST(BackgroundBlur, isDoneWhereTheProjectAsksForIt)
         instruction->project.blurBackground = isBlurred;
         Compositor compositor(instruction, 640, 360);
         compositor.compose(std::chrono::seconds(2), {}, camera); // unseen
-        return detail(compositor.compose(MediaTime(0), {}, {}), 30, 20, 80, 150);
+        return detail(compositor.compose(MediaTime(0), {}, camera), 30, 20, 80, 150);
     };
     EXPECT_EQ(flag(std::nullopt), detail(camera, 30, 20, 80, 150));
     EXPECT_EQ(flag(false), detail(camera, 30, 20, 80, 150));

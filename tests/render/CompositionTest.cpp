@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <random>
 
 namespace vantry {
 
@@ -118,9 +119,9 @@ TEST_F(CompositionTest, aTrackThatBeginsLateOrEndsEarlyLeavesAGap)
     EXPECT_EQ(cameras[0].outputStart, 10 * frameDuration);
     EXPECT_EQ(cameras[0].length, 20 * frameDuration);
 
-    std::vector<int> expected(75, -1);
-    for (int frame = 10; frame < 30; ++frame)
-        expected[static_cast<std::size_t>(frame)] = count(frame);
+    std::vector<int> expected(75, count(29)); // The last one stays.
+    for (int frame = 0; frame < 30; ++frame)
+        expected[static_cast<std::size_t>(frame)] = frame < 10 ? -1 : count(frame);
     EXPECT_THAT(greys(plan, TrackKind::camera), testing::Pointwise(IsCloseGrey(), expected));
 }
 
@@ -136,6 +137,25 @@ TEST_F(CompositionTest, everyOutputFrameShowsTheNewestPictureOfItsClip)
         expected.push_back(200 - (frame - 23)); // 0.5 frames into the source picture.
     const auto plan = build();
     EXPECT_THAT(greys(plan, TrackKind::screen), testing::Pointwise(IsCloseGrey(), expected));
+}
+
+TEST_F(CompositionTest, framesInAnyOrderShowWhatTheyShowOneAfterTheOther)
+{
+    add({ .frames = 45, .camera = count, .cameraStart = 3, .cameraEnd = 20 }, 1.5);
+    add({ .frames = 31 }, 1.01);
+    add({ .frames = 3, .camera = [](int) { return static_cast<std::uint8_t>(220); } }, 0.02); // No frame begins within it.
+    add({ .frames = 60, .camera = [](int frame) { return static_cast<std::uint8_t>(200 - frame); }, .cameraEnd = 50 }, 1.9);
+    const auto plan = build();
+    const auto inOrder = greys(plan, TrackKind::camera);
+    for (const std::size_t kept : { 2u, 12u }) {
+        TrackPictures track(plan.segmentsOf(TrackKind::camera), { .kept = kept });
+        std::mt19937 random(2);
+        for (int i = 0; i < 200; ++i) {
+            const auto frame = random() % inOrder.size();
+            const auto picture = track.at(static_cast<std::int64_t>(frame) * frameDuration);
+            ASSERT_EQ(picture ? picture.plane(PlaneY).row(90)[160] : -1, inOrder[frame]) << "frame " << frame;
+        }
+    }
 }
 
 TEST_F(CompositionTest, aPictureThatStaysIsTheSameObject)
@@ -223,6 +243,23 @@ TEST_F(CompositionTest, soundIsCutAndJoinedToTheSample)
     EXPECT_GT(peak(join - 16, join), 0.7f);
     EXPECT_LT(peak(join, join + 16), 0.2f);
     EXPECT_EQ(sound.samples[2 * join], sound.samples[2 * join + 1]);
+}
+
+TEST_F(CompositionTest, soundFromTheMiddleIsThatOfTheWhole)
+{
+    add({ .frames = 40, .microphone = tone }, 1.01);
+    add({ .frames = 30, .system = tone }, 0.7);
+    add({ .frames = 30, .microphone = tone, .system = tone }, 1);
+    const auto plan = build();
+    const auto whole = AudioMix(plan).next(std::chrono::round<SampleCount>(plan.duration));
+    for (const int from : { 1, 1024, 30'001, 48'480, 60'000, 82'081, 100'000, 200'000 }) {
+        const auto part = AudioMix(plan, SampleCount(from)).next(SampleCount(5000));
+        for (std::size_t i = 0; i < part.samples.size(); ++i) {
+            const auto inWhole = 2 * static_cast<std::size_t>(from) + i;
+            ASSERT_NEAR(part.samples[i], inWhole < whole.samples.size() ? whole.samples[inWhole] : 0, 1e-3)
+                << from << " + " << i / 2;
+        }
+    }
 }
 
 TEST_F(CompositionTest, screenFrameIsTheRecordedScreenAtATime)

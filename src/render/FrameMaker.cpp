@@ -1,0 +1,79 @@
+#include "render/FrameMaker.h"
+
+#include <utility>
+
+namespace vantry {
+
+FrameMaker::Track::Track(std::string thread, TrackPictures::Options options)
+    : m_options(options)
+    , m_worker(std::move(thread))
+{
+}
+
+void FrameMaker::Track::setSegments(std::vector<Segment> segments)
+{
+    m_worker.post([this, segments = std::move(segments)] {
+        if (!m_pictures || m_pictures->segments() != segments)
+            m_pictures.emplace(segments, m_options);
+    });
+}
+
+std::future<Picture> FrameMaker::Track::at(MediaTime time, const std::atomic<std::uint64_t>& newest, std::uint64_t order)
+{
+    return m_worker.async([this, time, &newest, order] { return newest == order ? m_pictures->at(time) : Picture(); });
+}
+
+FrameMaker::FrameMaker(const std::string& name, TrackPictures::Options tracks)
+    : m_screen(name + "-screen", tracks)
+    , m_camera(name + "-camera", tracks)
+    , m_worker(name + "-compose")
+{
+}
+
+FrameMaker::~FrameMaker()
+{
+    giveUp();
+}
+
+void FrameMaker::setComposition(const CompositionPlan& plan, std::shared_ptr<const RenderInstruction> instruction)
+{
+    giveUp();
+    m_screen.setSegments(plan.segmentsOf(TrackKind::screen));
+    m_camera.setSegments(plan.segmentsOf(TrackKind::camera));
+    m_worker.post([this, instruction = std::move(instruction), size = plan.size] {
+        m_compositor.emplace(instruction, size.width, size.height);
+    });
+}
+
+void FrameMaker::ask(std::int64_t frame)
+{
+    const auto time = frame * frameDuration;
+    const std::uint64_t order = m_order;
+    auto screen = m_screen.at(time, m_order, order).share();
+    auto camera = m_camera.at(time, m_order, order).share();
+    m_asked.push_back(m_worker.async([this, time, order, screen = std::move(screen), camera = std::move(camera)] {
+        const auto& screenPicture = screen.get();
+        const auto& cameraPicture = camera.get();
+        return m_order == order ? m_compositor->compose(time, screenPicture, cameraPicture) : Picture();
+    }));
+}
+
+bool FrameMaker::isReady() const
+{
+    return m_asked.front().wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+}
+
+Picture FrameMaker::take()
+{
+    auto frame = std::move(m_asked.front());
+    m_asked.pop_front();
+    return frame.get();
+}
+
+void FrameMaker::giveUp()
+{
+    ++m_order;
+    m_asked.clear();
+}
+
+} // namespace vantry
