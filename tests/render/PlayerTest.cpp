@@ -1,0 +1,288 @@
+#include "TestProject.h"
+#include "base/AppError.h"
+#include "render/FrameMaker.h"
+#include "render/Player.h"
+#include "support/PumpUntil.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <fstream>
+#include <limits>
+#include <random>
+
+namespace vantry {
+
+using namespace test;
+using namespace std::chrono_literals;
+using testing::HasSubstr;
+using testing::ThrowsMessage;
+
+namespace {
+
+using State = Player::State;
+
+std::uint8_t count(int frame)
+{
+    return static_cast<std::uint8_t>(40 + frame % 150);
+}
+
+/// What a player tells.
+struct Told {
+    explicit Told(Player& player)
+    {
+        QObject::connect(&player, &Player::timeChanged, &player, [this](double time) { times.push_back(time); });
+        QObject::connect(&player, &Player::pictureChanged, &player, [this, &player] { pictures.push_back(player.picture()); });
+        QObject::connect(&player, &Player::failed, &player, [this](const QString& text) { failures.push_back(text.toStdString()); });
+    }
+
+    std::vector<double> times;
+    std::vector<Picture> pictures;
+    std::vector<std::string> failures;
+};
+
+class PlayerTest : public EventLoopTest {
+protected:
+    PlayerTest() { m_content.project.layouts = { { 0, Layout::screen, Corner::bottomRight } }; }
+
+    std::shared_ptr<const PlayerItem> item() const { return makePlayerItem(m_content.project, m_content.folder.path(), {}); }
+
+    bool settles()
+    {
+        return pumpUntil([&] { return !m_player.isSeeking(); });
+    }
+
+    /// The shade in the middle of the picture.
+    int shade() const { return m_player.picture() ? m_player.picture().plane(PlaneY).row(540)[960] : -1; }
+
+    /// Overwrites the pictures of a clip, but not its headers.
+    void spoil(const std::string& clip) const
+    {
+        std::fstream file(m_content.folder / clip, std::ios::in | std::ios::out | std::ios::binary);
+        const std::string bytes{ std::istreambuf_iterator<char>(file), {} };
+        file.seekp(static_cast<std::streamoff>(bytes.find("mdat") + 4));
+        file << std::string(500, '\xff');
+    }
+
+    TestProject m_content;
+    Player m_player;
+    Told m_told{ m_player };
+};
+
+bool areSame(const Picture& one, const Picture& other)
+{
+    for (const int index : { PlaneY, PlaneCb, PlaneCr }) {
+        const auto a = one.plane(index), b = other.plane(index);
+        for (int y = 0; y < a.height; ++y)
+            if (std::memcmp(a.row(y), b.row(y), static_cast<std::size_t>(a.width)) != 0)
+                return false;
+    }
+    return true;
+}
+
+/// All frames, made one after the other, as an export makes them.
+std::vector<Picture> exportedFrames(const PlayerItem& item)
+{
+    FrameMaker maker("test");
+    maker.setComposition(item.plan, item.instruction);
+    std::vector<Picture> frames;
+    for (std::int64_t frame = 0; frame < item.plan.frameCount(); ++frame) {
+        maker.ask(frame);
+        frames.push_back(maker.take());
+    }
+    return frames;
+}
+
+} // namespace
+
+TEST_F(PlayerTest, showsAtAnyTimeTheVeryFrameThatAnExportHasThere)
+{
+    // A camera that begins late and ends early, layouts on the move, a clip that is cut within a frame.
+    m_content.add({ .frames = 40, .screen = count, .camera = [](int frame) { return count(149 - frame); }, .cameraStart = 5, .cameraEnd = 20 }, 0.81);
+    m_content.add({ .frames = 40, .screen = [](int frame) { return count(70 + frame); }, .camera = count, .cameraStart = 9 }, 1.1);
+    m_content.project.layouts = { { 0, Layout::bubble, Corner::bottomRight }, { 0.4, Layout::camera, Corner::bottomRight }, { 1.2, Layout::bubble, Corner::topLeft } };
+    m_content.project.screenCrop = CropRect{ 0.05, 0.1, 0.9, 0.8 };
+    const auto item = this->item();
+    const auto frames = exportedFrames(*item);
+    ASSERT_EQ(frames.size(), 58u);
+    m_player.setItem(item, 0);
+    std::mt19937 random(5);
+    for (int i = 0; i < 100; ++i) {
+        const auto frame = random() % frames.size();
+        // Anywhere within the frame.
+        m_player.seek((static_cast<double>(frame) + static_cast<double>(random() % 10) / 10) / framesPerSecond);
+        ASSERT_TRUE(settles());
+        ASSERT_TRUE(areSame(m_player.picture(), frames[frame])) << "frame " << frame;
+    }
+}
+
+TEST_F(PlayerTest, aBurstOfSeeksEndsOnTheLast)
+{
+    m_content.add({ .frames = 120, .screen = count }, 4);
+    m_player.setItem(item(), 0);
+    ASSERT_TRUE(settles());
+    for (int i = 0; i < 500; ++i) {
+        m_player.seek(i % 120 / 30.0);
+        QCoreApplication::processEvents();
+    }
+    m_player.seek(3.7);
+    ASSERT_TRUE(settles());
+    EXPECT_NEAR(shade(), count(111), 2);
+    EXPECT_EQ(m_player.time(), 3.7);
+    EXPECT_EQ(m_told.times.back(), 3.7);
+    EXPECT_EQ(m_player.state(), State::Paused);
+}
+
+TEST_F(PlayerTest, timesOutsideOfTheProjectShowItsFirstOrItsLastFrame)
+{
+    m_content.add({ .frames = 30, .screen = count }, 1);
+    m_player.setItem(item(), 12.3);
+    ASSERT_TRUE(settles());
+    EXPECT_EQ(m_player.time(), 12.3);
+    EXPECT_EQ(m_player.length(), 1);
+    EXPECT_NEAR(shade(), count(29), 2);
+    for (const double time : { -3.0, std::nan(""), -std::numeric_limits<double>::infinity() }) {
+        m_player.seek(0.5);
+        m_player.seek(time);
+        ASSERT_TRUE(settles());
+        EXPECT_EQ(m_player.time(), 0);
+        EXPECT_NEAR(shade(), count(0), 2);
+    }
+    m_player.seek(std::numeric_limits<double>::infinity());
+    ASSERT_TRUE(settles());
+    EXPECT_NEAR(shade(), count(29), 2);
+}
+
+TEST_F(PlayerTest, playsInTimeToTheEndAndPausesThere)
+{
+    m_content.add({ .frames = 45, .screen = count }, 1.5);
+    m_player.setItem(item(), 0.5);
+    ASSERT_TRUE(settles());
+    m_told.times.clear();
+    const auto start = HostClock::now();
+    m_player.play();
+    EXPECT_EQ(m_player.state(), State::Playing);
+    ASSERT_TRUE(pumpUntil([&] { return m_player.state() == State::Paused; }));
+    EXPECT_GE(HostClock::now() - start, 1s);
+    EXPECT_EQ(m_player.time(), 1.5);
+    EXPECT_NEAR(shade(), count(44), 2);
+    // Each tenth of a second once, unless the machine was too busy for some.
+    EXPECT_GE(m_told.times.size(), 4u);
+    EXPECT_LE(m_told.times.size(), 11u);
+    EXPECT_TRUE(std::ranges::is_sorted(m_told.times));
+    EXPECT_EQ(m_told.times.back(), 1.5);
+
+    m_player.play(); // From the beginning.
+    EXPECT_EQ(m_player.time(), 0);
+    ASSERT_TRUE(pumpUntil([&] { return m_player.time() > 0.3; }));
+    m_player.pause();
+    const double paused = m_player.time();
+    const int shown = shade();
+    EXPECT_NEAR(shown, count(static_cast<int>(std::lround(paused * 30))), 2);
+    ASSERT_TRUE(settles());
+    EXPECT_EQ(m_player.time(), paused);
+    EXPECT_EQ(shade(), shown);
+}
+
+TEST_F(PlayerTest, aSeekWhilePlayingGoesOnFromThere)
+{
+    m_content.add({ .frames = 300, .screen = count }, 10);
+    m_player.setItem(item(), 0);
+    m_player.play();
+    ASSERT_TRUE(pumpUntil([&] { return m_player.time() > 0.1; }));
+    m_player.seek(5);
+    EXPECT_EQ(m_player.time(), 5);
+    ASSERT_TRUE(pumpUntil([&] { return m_player.time() > 5.2; }));
+    EXPECT_EQ(m_player.state(), State::Playing);
+    EXPECT_LT(m_player.time(), 9);
+}
+
+TEST_F(PlayerTest, anotherItemTakesOverWithoutAGap)
+{
+    m_content.add({ .frames = 300, .screen = count }, 10);
+    m_player.setItem(item(), 2);
+    m_player.play();
+    ASSERT_TRUE(pumpUntil([&] { return m_player.time() > 2.1; }));
+    m_content.project.layouts = { { 0, Layout::camera, Corner::bottomRight } }; // Without a camera: what is below it.
+    m_content.project.screenCrop = CropRect{ 0, 0, 0.5, 0.5 };
+    for (int i = 0; i < 5; ++i) {
+        const auto before = m_player.picture();
+        m_player.setItem(item(), m_player.time());
+        EXPECT_EQ(m_player.picture(), before);
+        EXPECT_EQ(m_player.state(), State::Playing);
+        const double time = m_player.time();
+        ASSERT_TRUE(pumpUntil([&] { return m_player.time() > time + 0.1; }));
+    }
+    EXPECT_EQ(std::ranges::count(m_told.pictures, Picture()), 0);
+    m_player.pause();
+    m_player.setItem(item(), 1);
+    ASSERT_TRUE(settles());
+    EXPECT_EQ(m_player.state(), State::Paused);
+    EXPECT_NEAR(shade(), count(30), 2);
+}
+
+TEST_F(PlayerTest, withoutAnItemNothingIsShownAndCommandsDoNothing)
+{
+    const auto expectEmpty = [&] {
+        m_player.play();
+        m_player.pause();
+        m_player.seek(3);
+        EXPECT_EQ(m_player.state(), State::Empty);
+        EXPECT_EQ(m_player.time(), 0);
+        EXPECT_EQ(m_player.length(), 0);
+        EXPECT_FALSE(m_player.picture());
+        EXPECT_FALSE(m_player.isSeeking());
+    };
+    expectEmpty();
+    m_content.add({ .frames = 60, .screen = count }, 2);
+    m_player.setItem(item(), 1);
+    ASSERT_TRUE(settles());
+    m_player.play();
+    m_player.clear();
+    expectEmpty();
+    m_player.setItem(item(), 1);
+    EXPECT_EQ(m_player.state(), State::Paused);
+    ASSERT_TRUE(settles());
+    EXPECT_NEAR(shade(), count(30), 2);
+}
+
+TEST_F(PlayerTest, aClipThatCannotBeReadIsSaidOnceAndStopsPlayback)
+{
+    m_content.add({ .frames = 15, .screen = count }, 0.5);
+    m_content.add({ .frames = 60, .screen = count }, 2);
+    spoil("clip-2.mov");
+    m_player.setItem(item(), 0);
+    m_player.play();
+    ASSERT_TRUE(pumpUntil([&] { return m_player.state() == State::Paused; }));
+    ASSERT_EQ(m_told.failures.size(), 1u);
+    EXPECT_THAT(m_told.failures[0], HasSubstr("Cannot read clip-2.mov"));
+    EXPECT_NEAR(shade(), count(14), 2) << "what could be shown stays";
+    for (const double time : { 0.7, 0.9, 1.2 }) {
+        m_player.seek(time);
+        ASSERT_TRUE(settles());
+    }
+    EXPECT_EQ(m_told.failures.size(), 1u);
+    m_player.seek(0.2);
+    ASSERT_TRUE(settles());
+    EXPECT_NEAR(shade(), count(6), 2) << "the rest can still be seen";
+    m_player.play();
+    ASSERT_TRUE(pumpUntil([&] { return m_told.failures.size() == 2; }));
+}
+
+TEST_F(PlayerTest, anItemOfClipsThatAreNotThereIsAnErrorInClearWords)
+{
+    const auto making = [&] { static_cast<void>(item()); };
+    EXPECT_THAT(making, ThrowsMessage<AppError>("Nothing recorded yet"));
+    m_content.add({ .frames = 30, .screen = count }, 1);
+    const auto clip = m_content.folder / "clip-1.mov";
+    std::filesystem::resize_file(clip, std::filesystem::file_size(clip) / 2);
+    EXPECT_THAT(making, ThrowsMessage<AppError>("Cannot read clip-1.mov: The end of the file is missing"));
+    std::ofstream(clip) << "no movie";
+    EXPECT_THAT(making, ThrowsMessage<AppError>(HasSubstr("Cannot read clip-1.mov: ")));
+    std::filesystem::remove(clip);
+    EXPECT_THAT(making, ThrowsMessage<AppError>("Cannot read clip-1.mov: No such file or directory"));
+}
+
+} // namespace vantry
