@@ -54,7 +54,7 @@ public:
         : m_project(exportBenchProject(1))
         , m_images(exportBenchImages(m_project))
     {
-        writeExportClip(file("clip-1.mov"));
+        writeExportClip(file("clip-1.mov"), Sounds::None);
     }
 
     void measure();

@@ -2,11 +2,13 @@
 
 #include "ExportMaterial.h"
 #include "capture/ClipSettings.h"
+#include "media/AudioEncoder.h"
 #include "media/Muxer.h"
 #include "support/ScreenContent.h"
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 #include <random>
 
 namespace vantry::bench {
@@ -22,11 +24,17 @@ PacketSink into(Muxer& muxer, int track)
     return [&muxer, track](Packet packet) { muxer.write(track, std::move(packet)); };
 }
 
+/// The recorder makes one every second.
+PictureKind kindOf(int frame)
+{
+    return frame % framesPerSecond == 0 ? PictureKind::Keyframe : PictureKind::Any;
+}
+
 void writeScreen(VideoEncoder& encoder, const PacketSink& sink)
 {
     test::ScreenContent content(screenSize.width, screenSize.height, test::Activity::Typing);
     for (int frame = 0; frame < frameCount; ++frame)
-        encoder.encode(content.picture(frame), frame * frameDuration, PictureKind::Any, sink);
+        encoder.encode(content.picture(frame), frame * frameDuration, kindOf(frame), sink);
     encoder.finish(sink);
 }
 
@@ -72,23 +80,42 @@ void writeCamera(VideoEncoder& encoder, const PacketSink& sink)
     for (int frame = 0; frame < frameCount; ++frame) {
         PictureBuffer buffer(cameraSize.width, cameraSize.height);
         scene.draw(buffer, frame);
-        encoder.encode(std::move(buffer).share(), frame * frameDuration, PictureKind::Any, sink);
+        encoder.encode(std::move(buffer).share(), frame * frameDuration, kindOf(frame), sink);
     }
+    encoder.finish(sink);
+}
+
+void writeTone(AudioEncoder& encoder, int channels, double pitch, const PacketSink& sink)
+{
+    Sound second{ .channels = channels, .samples = {} };
+    for (int i = 0; i < sampleRate; ++i)
+        second.samples.insert(second.samples.end(), static_cast<std::size_t>(channels),
+            static_cast<float>(0.1 * std::sin(i * pitch * 2 * std::numbers::pi / sampleRate)));
+    for (int i = 0; i < exportClipSeconds; ++i)
+        encoder.encode(second, sink);
     encoder.finish(sink);
 }
 
 } // namespace
 
-void writeExportClip(const std::filesystem::path& file)
+void writeExportClip(const std::filesystem::path& file, Sounds sounds)
 {
+    AudioEncoder microphone({ .channels = 1, .bitRate = 96'000 });
+    AudioEncoder system({ .channels = 2, .bitRate = 192'000 });
     VideoEncoder screen(clip::screenSettings(screenSize));
     VideoEncoder camera(clip::cameraSettings(cameraSize));
     Muxer muxer(file, MovieFormat::Clip);
     const int screenTrack = muxer.addTrack(screen);
     const int cameraTrack = muxer.addTrack(camera);
+    const int microphoneTrack = sounds == Sounds::Both ? muxer.addTrack(microphone) : -1;
+    const int systemTrack = sounds == Sounds::Both ? muxer.addTrack(system) : -1;
     muxer.start();
     writeScreen(screen, into(muxer, screenTrack));
     writeCamera(camera, into(muxer, cameraTrack));
+    if (sounds == Sounds::Both) {
+        writeTone(microphone, 1, 440, into(muxer, microphoneTrack));
+        writeTone(system, 2, 660, into(muxer, systemTrack));
+    }
     muxer.finish(std::chrono::seconds(exportClipSeconds));
 }
 
