@@ -1,9 +1,6 @@
 #include "model/CameraMirror.h"
 
-#include "base/AppError.h"
-#include "base/Log.h"
 #include "capture/CameraPreview.h"
-#include "media/RgbScaler.h"
 
 #include <QCoreApplication>
 #include <QPointer>
@@ -12,7 +9,6 @@ namespace vantry {
 
 CameraMirror::CameraMirror(CameraPreview& preview)
     : m_preview(preview)
-    , m_scaler(std::make_unique<RgbScaler>())
 {
     m_preview.setOnChange([mirror = QPointer(this), isTold = m_isTold] {
         if (isTold->exchange(true))
@@ -36,16 +32,7 @@ CameraMirror::~CameraMirror()
 QImage CameraMirror::image(QSize size)
 {
     const auto sample = m_preview.latest();
-    if (!sample || size.isEmpty())
-        return {};
-    QImage image(size, QImage::Format_RGB32);
-    try {
-        m_scaler->cover({ image.bits(), image.bytesPerLine(), { size.width(), size.height() } }, sample->picture);
-    } catch (const std::exception& error) {
-        qCWarning(logModel) << error.what();
-        return {};
-    }
-    return image;
+    return sample ? m_images.covering(sample->picture, size) : QImage();
 }
 
 } // namespace vantry

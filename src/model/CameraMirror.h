@@ -3,8 +3,7 @@
 // First, or the meta-object compiler stumbles over the standard library's concepts.
 #include <QObject>
 
-#include <QImage>
-#include <QSize>
+#include "model/PictureImages.h"
 
 #include <atomic>
 #include <memory>
@@ -12,7 +11,6 @@
 namespace vantry {
 
 class CameraPreview;
-class RgbScaler;
 
 /// The camera's newest picture as an image, for the views. It is made when a view asks, so that a camera nobody looks at costs
 /// nothing. Belongs to the main thread.
@@ -33,7 +31,7 @@ Q_SIGNALS:
 
 private:
     CameraPreview& m_preview;
-    const std::unique_ptr<RgbScaler> m_scaler;
+    PictureImages m_images;
 
     /// A change is on its way from the camera's thread.
     const std::shared_ptr<std::atomic<bool>> m_isTold = std::make_shared<std::atomic<bool>>(false);
