@@ -1,10 +1,10 @@
 #include "ui/CameraImage.h"
 
 #include "model/ChangeTo.h"
+#include "ui/ImageNode.h"
 
 #include <QPainter>
 #include <QQuickWindow>
-#include <QSGImageNode>
 
 #include <algorithm>
 
@@ -64,19 +64,7 @@ void CameraImage::updatePolish()
 
 QSGNode* CameraImage::updatePaintNode(QSGNode* old, UpdatePaintNodeData*)
 {
-    if (m_image.isNull()) {
-        delete old;
-        return nullptr;
-    }
-    auto* node = static_cast<QSGImageNode*>(old);
-    if (!node) {
-        node = window()->createImageNode();
-        node->setOwnsTexture(true);
-        node->setFiltering(QSGTexture::Linear);
-    }
-    node->setTexture(window()->createTextureFromImage(m_image));
-    node->setRect(boundingRect());
-    return node;
+    return imageNode(old, m_image, boundingRect(), *window());
 }
 
 } // namespace vantry
