@@ -11,10 +11,10 @@
 #include "model/OverlayPictures.h"
 #include "model/Paths.h"
 #include "model/RecordingFlow.h"
+#include "model/VideoFiles.h"
 #include "project/ProjectFile.h"
 #include "project/Timeline.h"
 
-#include <QCoreApplication>
 #include <QPointer>
 
 #include <algorithm>
@@ -38,24 +38,6 @@ AppModel::AppModel(Options options)
     connect(this, &AppModel::projectChanged, this, &AppModel::liveLayoutChanged);
     connect(&m_settings, &Settings::setupLayoutChanged, this, &AppModel::liveLayoutChanged);
     connect(&m_settings, &Settings::setupCornerChanged, this, &AppModel::liveLayoutChanged);
-    m_recorder->setOnStreamError([model = QPointer(this)](const QString& description) {
-        QMetaObject::invokeMethod(
-            qApp,
-            [model, description] {
-                if (model)
-                    model->onStreamError(description);
-            },
-            Qt::QueuedConnection);
-    });
-    m_recorder->setOnStatus([model = QPointer(this)](const QString& text) {
-        QMetaObject::invokeMethod(
-            qApp,
-            [model, text] {
-                if (model)
-                    model->setStatus(text);
-            },
-            Qt::QueuedConnection);
-    });
 }
 
 AppModel::~AppModel() = default;
@@ -225,27 +207,17 @@ void AppModel::cancelExport()
 
 QUrl AppModel::suggestedVideo() const
 {
-    QString name = u"video"_s;
-    if (m_project)
-        name = QString::fromStdString(m_project->youtube.title.empty() ? m_project->name : m_project->youtube.title);
-    return QUrl::fromLocalFile(text(root().parent_path()) + u'/' + name.replace(u'/', u'-') + ".mp4"_L1);
+    return vantry::suggestedVideo(root().parent_path(), m_project);
 }
 
 QUrl AppModel::videoIn(const QUrl& folder, const QString& name) const
 {
-    const auto ending = ".mp4"_L1;
-    QString stem = name.trimmed();
-    if (stem.endsWith(ending, Qt::CaseInsensitive))
-        stem.chop(ending.size());
-    if (stem.isEmpty() || stem.contains(u'/'))
-        return {};
-    return QUrl::fromLocalFile(folder.toLocalFile() + u'/' + stem + ending);
+    return vantry::videoIn(folder, name);
 }
 
 bool AppModel::isTaken(const QUrl& file) const
 {
-    std::error_code ignored;
-    return fs::exists(fs::symlink_status(toPath(file.toLocalFile()), ignored));
+    return vantry::isTaken(file);
 }
 
 void AppModel::quit()
@@ -285,14 +257,6 @@ bool AppModel::hasCamera() const
 double AppModel::bubbleSize() const
 {
     return m_project ? m_project->bubbleSize : m_settings.setupBubble();
-}
-
-void AppModel::onStreamError(const QString& description)
-{
-    setAlert("Screen capture stopped: "_L1 + description);
-    if (m_phase.isCountdown())
-        cancelStart();
-    stop(0);
 }
 
 void AppModel::setPhase(Phase phase)

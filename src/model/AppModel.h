@@ -229,7 +229,6 @@ private:
     void setProject(std::optional<Project> project);
     void setFolder(const std::optional<std::filesystem::path>& folder);
     void save();
-    void onStreamError(const QString& description);
     QCoro::Task<> finishAndQuit();
 
     ProjectStorage m_storage;

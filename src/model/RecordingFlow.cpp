@@ -8,6 +8,7 @@
 #include "project/Edits.h"
 #include "project/Timeline.h"
 
+#include <QCoreApplication>
 #include <QCoroFuture>
 #include <QPointer>
 
@@ -36,6 +37,34 @@ RecordingFlow::RecordingFlow(AppModel& model, Recorder& recorder, CaptureDevices
 {
     m_clock.setInterval(clockInterval);
     connect(&m_clock, &QTimer::timeout, this, &RecordingFlow::tick);
+    listenToRecorder();
+}
+
+/// It speaks on threads of its own, and may still do so when the flow is gone.
+void RecordingFlow::listenToRecorder()
+{
+    const auto onMainThread = [flow = QPointer(this)](auto handle) {
+        return [flow, handle](const QString& text) {
+            QMetaObject::invokeMethod(
+                qApp,
+                [flow, handle, text] {
+                    if (flow)
+                        handle(*flow, text);
+                },
+                Qt::QueuedConnection);
+        };
+    };
+    m_recorder.setOnStreamError(
+        onMainThread([](RecordingFlow& flow, const QString& description) { flow.onStreamError(description); }));
+    m_recorder.setOnStatus(onMainThread([](RecordingFlow& flow, const QString& text) { flow.m_model.setStatus(text); }));
+}
+
+void RecordingFlow::onStreamError(const QString& description)
+{
+    report("Screen capture stopped: "_L1 + description);
+    if (m_model.phase().isCountdown())
+        cancelStart();
+    stop(0);
 }
 
 void RecordingFlow::record(std::optional<double> cutAt)

@@ -58,6 +58,8 @@ private:
     std::string unusedClipName() const;
     double keptLength() const;
     void tick();
+    void listenToRecorder();
+    void onStreamError(const QString& description);
     void report(const QString& failure);
 
     AppModel& m_model;
