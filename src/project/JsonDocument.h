@@ -6,8 +6,8 @@
 
 namespace vantry {
 
-/// The JSON document in the bytes of a project file, within the limits of ProjectLimits.h. Takes time and memory in proportion to
-/// the bytes, whatever they are. Throws an AppError that names the line.
+/// The JSON document in bytes from outside, within the limits of a project file (ProjectLimits.h). Takes time and memory in
+/// proportion to the bytes, whatever they are. Throws an AppError that names the line.
 nlohmann::json parseJson(std::string_view bytes);
 
 } // namespace vantry

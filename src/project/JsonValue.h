@@ -7,6 +7,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
+#include <vector>
 
 namespace vantry {
 
@@ -16,6 +18,10 @@ using Json = nlohmann::json;
 /// that names the place. Refers to the document and to the value it was taken from, so it lives on the stack only.
 class JsonValue {
 public:
+    /// What comes of a function, or a read below, that is given a JsonValue.
+    template <typename Decode>
+    using Decoded = std::decay_t<std::invoke_result_t<Decode, const JsonValue&>>;
+
     explicit JsonValue(const Json& document)
         : m_json(document)
     {
@@ -26,9 +32,17 @@ public:
     /// Nothing where the key is missing or its value is null.
     std::optional<JsonValue> optionalMember(std::string_view key) const;
 
+    /// What `decode` makes of that.
+    template <typename Decode>
+    auto optionalMember(std::string_view key, Decode decode) const -> std::optional<Decoded<Decode>>;
+
     /// The number of values in an array.
     std::size_t size() const;
     JsonValue element(std::size_t position) const { return { m_json[position], *this, {}, position }; }
+
+    /// What `decode` makes of every value of an array.
+    template <typename Decode>
+    auto list(Decode decode) const -> std::vector<Decoded<Decode>>;
 
     double number() const;
     bool boolean() const;
@@ -59,5 +73,22 @@ private:
     std::string_view m_key; ///< Empty in an array.
     std::size_t m_position = 0;
 };
+
+template <typename Decode>
+auto JsonValue::optionalMember(std::string_view key, Decode decode) const -> std::optional<Decoded<Decode>>
+{
+    const auto value = optionalMember(key);
+    return value ? std::optional(Decoded<Decode>(std::invoke(decode, *value))) : std::nullopt;
+}
+
+template <typename Decode>
+auto JsonValue::list(Decode decode) const -> std::vector<Decoded<Decode>>
+{
+    std::vector<Decoded<Decode>> list;
+    list.reserve(size());
+    for (std::size_t position = 0; position < size(); ++position)
+        list.push_back(std::invoke(decode, element(position)));
+    return list;
+}
 
 } // namespace vantry

@@ -5,21 +5,9 @@
 #include "project/JsonValue.h"
 #include "project/ProjectLimits.h"
 
-#include <functional>
-
 namespace vantry {
 
 namespace {
-
-template <typename Decode>
-auto decodeList(const JsonValue& value, Decode decode)
-{
-    std::vector<decltype(decode(value))> list;
-    list.reserve(value.size());
-    for (std::size_t position = 0; position < value.size(); ++position)
-        list.push_back(decode(value.element(position)));
-    return list;
-}
 
 template <typename Enum>
 Enum decodeEnum(const JsonValue& value)
@@ -58,16 +46,13 @@ Line decodeLine(const JsonValue& value)
 
 Clip decodeClip(const JsonValue& value)
 {
-    Clip clip{
+    return {
         .id = decodeUuid(value.member("id")),
         .file = decodeFileName(value.member("file")),
         .duration = value.member("duration").number(),
         .keep = value.member("keep").number(),
-        .transcript = std::nullopt,
+        .transcript = value.optionalMember("transcript", [](const JsonValue& lines) { return lines.list(decodeLine); }),
     };
-    if (const auto transcript = value.optionalMember("transcript"))
-        clip.transcript = decodeList(*transcript, decodeLine);
-    return clip;
 }
 
 LayoutEvent decodeLayoutEvent(const JsonValue& value)
@@ -96,7 +81,7 @@ Overlay decodeOverlay(const JsonValue& value)
 
 CropRect decodeCrop(const JsonValue& value)
 {
-    const auto pairs = decodeList(value, [](const JsonValue& pair) { return decodeList(pair, std::mem_fn(&JsonValue::number)); });
+    const auto pairs = value.list([](const JsonValue& pair) { return pair.list(&JsonValue::number); });
     if (pairs.size() != 2 || pairs[0].size() != 2 || pairs[1].size() != 2)
         value.fail("expected two pairs of numbers");
     return { .x = pairs[0][0], .y = pairs[0][1], .width = pairs[1][0], .height = pairs[1][1] };
@@ -106,7 +91,7 @@ YouTubeInfo decodeYouTube(const JsonValue& value)
 {
     return {
         .title = value.member("title").text(),
-        .titles = decodeList(value.member("titles"), [](const JsonValue& title) { return title.text(); }),
+        .titles = value.member("titles").list(&JsonValue::text),
         .description = value.member("description").text(),
         .tags = value.member("tags").text(),
     };
@@ -114,22 +99,18 @@ YouTubeInfo decodeYouTube(const JsonValue& value)
 
 Project decode(const JsonValue& value)
 {
-    Project project{
+    return {
         .name = value.member("name").text(),
         .created = { value.member("created").number() },
-        .clips = decodeList(value.member("clips"), decodeClip),
-        .layouts = decodeList(value.member("layouts"), decodeLayoutEvent),
-        .overlays = decodeList(value.member("overlays"), decodeOverlay),
+        .clips = value.member("clips").list(decodeClip),
+        .layouts = value.member("layouts").list(decodeLayoutEvent),
+        .overlays = value.member("overlays").list(decodeOverlay),
         .bubbleSize = value.member("bubbleSize").number(),
+        .systemVolume = value.optionalMember("systemVolume", &JsonValue::number),
+        .blurBackground = value.optionalMember("blurBackground", &JsonValue::boolean),
+        .screenCrop = value.optionalMember("screenCrop", decodeCrop),
         .youtube = decodeYouTube(value.member("youtube")),
     };
-    if (const auto volume = value.optionalMember("systemVolume"))
-        project.systemVolume = volume->number();
-    if (const auto blur = value.optionalMember("blurBackground"))
-        project.blurBackground = blur->boolean();
-    if (const auto crop = value.optionalMember("screenCrop"))
-        project.screenCrop = decodeCrop(*crop);
-    return project;
 }
 
 } // namespace

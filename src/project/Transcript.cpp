@@ -21,15 +21,20 @@ std::vector<Line> transcript(const Project& project)
     return spoken;
 }
 
-std::string transcriptText(const Project& project)
+std::string transcriptText(const std::vector<Line>& lines)
 {
     std::string text;
-    for (const auto& line : transcript(project)) {
+    for (const auto& line : lines) {
         if (!text.empty())
             text += '\n';
         text += '[' + timecode(line.start) + "] " + line.text;
     }
     return text;
+}
+
+std::string transcriptText(const Project& project)
+{
+    return transcriptText(transcript(project));
 }
 
 } // namespace vantry
