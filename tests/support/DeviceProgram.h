@@ -1,18 +1,12 @@
 #pragma once
 
 #include "support/Program.h"
+#include "support/UniqueName.h"
 
-#include <chrono>
 #include <string>
 #include <vector>
 
 namespace vantry::test {
-
-/// A name that no other test uses: tests run side by side on one desktop.
-inline std::string uniqueName(const std::string& base)
-{
-    return base + "-" + std::to_string(std::chrono::steady_clock::now().time_since_epoch().count());
-}
 
 /// A camera or a microphone of the test's own beside the desktop's: there while the object exists. `DEVICE_TOOLS` is the folder of
 /// the programs.
