@@ -1,0 +1,112 @@
+#include "ai/Client.h"
+
+#include "ai/Characters.h"
+#include "ai/Post.h"
+#include "ai/TokensFile.h"
+#include "base/AppError.h"
+
+#include <QDir>
+#include <QFile>
+
+namespace vantry::AI {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qint64 largestAnswer = 10 << 20;
+constexpr qsizetype errorBytesShown = 400;
+
+QString orDefault(const QString& chosen, QLatin1StringView otherwise)
+{
+    return chosen.isEmpty() ? QString(otherwise) : chosen;
+}
+
+std::filesystem::path expanded(const QString& path)
+{
+    const bool isAtHome = path == "~"_L1 || path.startsWith("~/"_L1);
+    return QFile::encodeName(isAtHome ? QDir::homePath() + path.sliced(1) : path).toStdString();
+}
+
+/// The body, without the key wherever the server repeats it. Throws when there is no success.
+std::string bodyOf(HttpAnswer answer, const QByteArray& key)
+{
+    constexpr int success = 200;
+    answer.body.replace(key, "•••");
+    if (answer.status != success)
+        throw AppError("OpenRouter: " + readableText(answer.body.left(errorBytesShown).toStdString()));
+    return answer.body.toStdString();
+}
+
+} // namespace
+
+Client::Client(std::function<Choices()> choices, Options options)
+    : m_choices(std::move(choices))
+    , m_options(std::move(options))
+    , m_keychain(m_options.keychain)
+{
+}
+
+Client::~Client()
+{
+    abortAll(m_network);
+}
+
+QString Client::model() const
+{
+    return orDefault(m_choices().model, defaultModel);
+}
+
+QCoro::Task<std::optional<QString>> Client::apiKey()
+{
+    const QPointer<Client> self(this);
+    const QString tokensPath = orDefault(m_choices().tokensPath, defaultTokensPath);
+    auto key = co_await m_keychain.openRouterKey();
+    if (!key && self)
+        key = co_await keyIn(expanded(tokensPath));
+    co_return key;
+}
+
+QFuture<std::optional<QString>> Client::keyIn(const std::filesystem::path& tokensFile)
+{
+    return inBackground(m_worker, [tokensFile] { return keyInTokensFile(tokensFile); });
+}
+
+QCoro::Task<std::string> Client::ask(std::string system, std::string user)
+{
+    const QPointer<Client> self(this);
+    const auto chosenModel = model().toStdString();
+    const auto key = co_await apiKey();
+    checkAlive(self);
+    if (!key)
+        throw AppError("No OpenRouter key. Paste yours in Settings (⌘,).");
+    const auto secret = key->toUtf8();
+    const auto body = QByteArray::fromStdString(chatRequest(chosenModel, system, user));
+    auto answer = co_await post(m_network, requestWith(secret), body, largestAnswer);
+    co_return bodyOf(std::move(answer), secret);
+}
+
+/// No cookies, no passwords, and no way to anywhere else: nobody else gets the key and the words.
+QNetworkRequest Client::requestWith(const QByteArray& key) const
+{
+    QUrl url = m_options.host;
+    url.setPath(u"/api/v1/chat/completions"_s);
+    QNetworkRequest request(url);
+    request.setTransferTimeout(static_cast<int>(m_options.longestSilence.count()));
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
+    request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
+    request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
+    request.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
+    request.setRawHeader("Authorization", "Bearer " + key);
+    request.setHeader(QNetworkRequest::ContentTypeHeader, u"application/json"_s);
+    request.setRawHeader("X-Title", "Vantry");
+    return request;
+}
+
+void Client::checkAlive(const QPointer<Client>& client)
+{
+    if (!client)
+        throw AppError("The request was cancelled.");
+}
+
+} // namespace vantry::AI
