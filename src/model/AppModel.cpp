@@ -1,5 +1,6 @@
 #include "model/AppModel.h"
 
+#include "ai/Client.h"
 #include "capture/HotKeys.h"
 #include "capture/Recorder.h"
 #include "model/CaptureDevices.h"
@@ -8,10 +9,12 @@
 #include "model/EditingCommands.h"
 #include "model/ExportFlow.h"
 #include "model/FieldBinding.h"
+#include "model/OverlayFlow.h"
 #include "model/OverlayPictures.h"
 #include "model/Paths.h"
 #include "model/RecordingFlow.h"
 #include "model/VideoFiles.h"
+#include "model/YouTubeFlow.h"
 #include "project/ProjectFile.h"
 #include "project/Timeline.h"
 
@@ -34,6 +37,13 @@ AppModel::AppModel(Options options)
     , m_overlayPictures(std::make_unique<OverlayPictures>())
     , m_export(std::make_unique<ExportFlow>(*this, std::move(options.reveal)))
     , m_editing(std::make_unique<EditingCommands>(*this, *m_recorder))
+    , m_ai(std::make_unique<AI::Client>(
+          [this] {
+              return AI::Choices{ m_settings.model(), m_settings.tokensPath() };
+          },
+          std::move(options.ai)))
+    , m_aiOverlay(std::make_unique<OverlayFlow>(*this, *m_ai))
+    , m_youTube(std::make_unique<YouTubeFlow>(*this, *m_ai, []() -> QCoro::Task<> { co_return; }))
 {
     connect(this, &AppModel::projectChanged, this, &AppModel::liveLayoutChanged);
     connect(&m_settings, &Settings::setupLayoutChanged, this, &AppModel::liveLayoutChanged);
@@ -188,6 +198,16 @@ FieldBinding* AppModel::overlayBinding(const QString& id, OverlayField::Kind fie
 QCoro::Task<OverlayImages> AppModel::overlayImages(std::stop_token cancel)
 {
     return m_overlayPictures->of(m_project ? m_project->overlays : std::vector<Overlay>(), std::move(cancel));
+}
+
+QCoro::Task<bool> AppModel::aiOverlay(const QString& instruction)
+{
+    return m_aiOverlay->suggest(instruction);
+}
+
+QCoro::Task<> AppModel::generateYouTube()
+{
+    return m_youTube->generate();
 }
 
 void AppModel::exportTo(const fs::path& file)

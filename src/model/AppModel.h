@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ai/Options.h"
 #include "model/LayoutKind.h"
 #include "model/Phase.h"
 #include "model/ProjectFields.h"
@@ -29,9 +30,15 @@ class CaptureDevices;
 class EditingCommands;
 class ExportFlow;
 class FieldBinding;
+class OverlayFlow;
 class OverlayPictures;
 class Recorder;
 class RecordingFlow;
+class YouTubeFlow;
+
+namespace AI {
+class Client;
+}
 
 /// Whether an edit changes what the preview shows.
 enum class Rebuild { No, Yes };
@@ -65,6 +72,7 @@ public:
         std::filesystem::path settingsFile = Settings::defaultFile();
         /// Shows a finished export to the user, where there is something to show it in.
         std::function<void(const std::filesystem::path&)> reveal;
+        AI::Options ai{};
     };
 
     explicit AppModel(Options options);
@@ -168,6 +176,14 @@ public:
     /// asked to stop are left out.
     QCoro::Task<OverlayImages> overlayImages(std::stop_token cancel = {});
 
+    // Assistants. Both work on the project that is open now; what they have to say stands in the texts.
+
+    /// Adds an overlay as the AI designs it after an instruction, and says whether there is one now.
+    QCoro::Task<bool> aiOverlay(const QString& instruction);
+
+    /// Has the AI write title, description, tags and chapters. What is not transcribed yet is transcribed before.
+    QCoro::Task<> generateYouTube();
+
     // Exporting.
     void exportTo(const std::filesystem::path& file);
     Q_INVOKABLE void exportTo(const QUrl& file);
@@ -252,6 +268,9 @@ private:
     std::unique_ptr<OverlayPictures> m_overlayPictures;
     std::unique_ptr<ExportFlow> m_export;
     std::unique_ptr<EditingCommands> m_editing;
+    std::unique_ptr<AI::Client> m_ai;
+    std::unique_ptr<OverlayFlow> m_aiOverlay;
+    std::unique_ptr<YouTubeFlow> m_youTube;
 };
 
 } // namespace vantry

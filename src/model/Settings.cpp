@@ -1,5 +1,6 @@
 #include "model/Settings.h"
 
+#include "ai/Options.h"
 #include "model/ChangeTo.h"
 #include "model/CropText.h"
 #include "model/Paths.h"
@@ -84,6 +85,8 @@ Settings::Settings(const std::filesystem::path& file)
     , m_setupBlur(boolean(m_file.value("blur"), false))
     // A list is what the file's format makes of a rectangle that was typed in without quotes.
     , m_setupCrop(parseCrop(m_file.value("crop").toStringList().join(", "_L1)))
+    , m_model(m_file.value("model", AI::defaultModel).toString())
+    , m_tokensPath(m_file.value("tokensPath", AI::defaultTokensPath).toString())
 {
 }
 
@@ -155,6 +158,20 @@ void Settings::setSetupCrop(const std::optional<CropRect>& value)
     m_file.setValue("crop", value ? QVariant(cropText(*value)) : QVariant());
     if (changeTo(m_setupCrop, value))
         Q_EMIT setupCropChanged();
+}
+
+void Settings::setModel(const QString& value)
+{
+    m_file.setValue("model", value);
+    if (changeTo(m_model, value))
+        Q_EMIT modelChanged();
+}
+
+void Settings::setTokensPath(const QString& value)
+{
+    m_file.setValue("tokensPath", value);
+    if (changeTo(m_tokensPath, value))
+        Q_EMIT tokensPathChanged();
 }
 
 } // namespace vantry

@@ -25,6 +25,8 @@ class Settings : public QObject {
     Q_PROPERTY(int exportHeight READ exportHeight WRITE setExportHeight NOTIFY exportHeightChanged)
     Q_PROPERTY(bool systemAudio READ systemAudio WRITE setSystemAudio NOTIFY systemAudioChanged)
     Q_PROPERTY(bool setupBlur READ setupBlur WRITE setSetupBlur NOTIFY setupBlurChanged)
+    Q_PROPERTY(QString model READ model WRITE setModel NOTIFY modelChanged)
+    Q_PROPERTY(QString tokensPath READ tokensPath WRITE setTokensPath NOTIFY tokensPathChanged)
 
 public:
     explicit Settings(const std::filesystem::path& file);
@@ -49,6 +51,10 @@ public:
     /// The part of the screen that new recordings show; nothing for all of it.
     std::optional<CropRect> setupCrop() const { return m_setupCrop; }
 
+    /// The AI model that is asked, and a file that may hold the key for it. Empty counts as the default.
+    QString model() const { return m_model; }
+    QString tokensPath() const { return m_tokensPath; }
+
     void setDisplayID(std::uint32_t value);
     void setCameraID(const QString& value);
     void setMicID(const QString& value);
@@ -59,6 +65,8 @@ public:
     void setSystemAudio(bool value);
     void setSetupBlur(bool value);
     void setSetupCrop(const std::optional<CropRect>& value);
+    void setModel(const QString& value);
+    void setTokensPath(const QString& value);
 
 Q_SIGNALS:
     void displayIDChanged();
@@ -71,6 +79,8 @@ Q_SIGNALS:
     void systemAudioChanged();
     void setupBlurChanged();
     void setupCropChanged();
+    void modelChanged();
+    void tokensPathChanged();
 
 private:
     QSettings m_file;
@@ -84,6 +94,8 @@ private:
     bool m_systemAudio;
     bool m_setupBlur;
     std::optional<CropRect> m_setupCrop;
+    QString m_model;
+    QString m_tokensPath;
 };
 
 } // namespace vantry

@@ -11,8 +11,8 @@
 
 namespace vantry::test {
 
-/// A test with a model that has a root and settings of its own.
-class ModelTest : public EventLoopTest {
+/// A test with a root of projects of its own.
+class ProjectsTest : public EventLoopTest {
 protected:
     /// A folder that holds a project of this many seconds, in one clip whose movie does not exist.
     std::filesystem::path writeProject(const std::string& name, double length = 10)
@@ -26,10 +26,15 @@ protected:
         return folder;
     }
 
-    std::string alert() const { return m_model.alert().value_or(QString()).toStdString(); }
-
     const TemporaryFolder m_folder;
     const std::filesystem::path m_root = m_folder / "Videos/Vantry";
+};
+
+/// The same with a model that has settings of its own.
+class ModelTest : public ProjectsTest {
+protected:
+    std::string alert() const { return m_model.alert().value_or(QString()).toStdString(); }
+
     std::vector<std::filesystem::path> m_revealed;
     AppModel m_model{ {
         .root = m_root,

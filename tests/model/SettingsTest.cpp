@@ -37,6 +37,8 @@ void expectDefaults(const Settings& settings)
     EXPECT_TRUE(settings.systemAudio());
     EXPECT_FALSE(settings.setupBlur());
     EXPECT_EQ(settings.setupCrop(), std::nullopt);
+    EXPECT_EQ(settings.model(), QStringLiteral("~deepseek/deepseek-flash-latest"));
+    EXPECT_EQ(settings.tokensPath(), QStringLiteral("~/Dropbox/kitbag/tokens"));
 }
 
 } // namespace
@@ -60,7 +62,7 @@ TEST_F(SettingsTest, storedValuesOfAnotherKindMeanTheDefaults)
 TEST_F(SettingsTest, theFileHasTheKnownKeysAndForms)
 {
     write("displayID=4294967295\ncameraID=cam\nmicID=mic\nlayout=screen\ncorner=topLeft\nbubble=0.5\nexportHeight=720\n"
-          "systemAudio=false\nblur=true\ncrop=\"{{0, 0.06}, {1, 0.94}}\"\n");
+          "systemAudio=false\nblur=true\nmodel=~a/b\ntokensPath=~/tokens\ncrop=\"{{0, 0.06}, {1, 0.94}}\"\n");
     const Settings settings(m_file);
     EXPECT_EQ(settings.displayID(), 4294967295u);
     EXPECT_EQ(settings.cameraID(), QStringLiteral("cam"));
@@ -72,6 +74,8 @@ TEST_F(SettingsTest, theFileHasTheKnownKeysAndForms)
     EXPECT_FALSE(settings.systemAudio());
     EXPECT_TRUE(settings.setupBlur());
     EXPECT_EQ(settings.setupCrop(), (CropRect{ 0, 0.06, 1, 0.94 }));
+    EXPECT_EQ(settings.model(), QStringLiteral("~a/b"));
+    EXPECT_EQ(settings.tokensPath(), QStringLiteral("~/tokens"));
 }
 
 TEST_F(SettingsTest, everyAssignmentIsThereAfterARestart)
@@ -88,6 +92,8 @@ TEST_F(SettingsTest, everyAssignmentIsThereAfterARestart)
         settings.setSystemAudio(false);
         settings.setSetupBlur(true);
         settings.setSetupCrop(crop);
+        settings.setModel(QStringLiteral("a, b"));
+        settings.setTokensPath(QString());
     }
     {
         Settings settings(m_file);
@@ -100,6 +106,8 @@ TEST_F(SettingsTest, everyAssignmentIsThereAfterARestart)
         EXPECT_FALSE(settings.systemAudio());
         EXPECT_TRUE(settings.setupBlur());
         EXPECT_EQ(settings.setupCrop(), crop);
+        EXPECT_EQ(settings.model(), QStringLiteral("a, b"));
+        EXPECT_EQ(settings.tokensPath(), QString()) << "empty, as it was left";
         settings.setSetupCrop(std::nullopt);
     }
     EXPECT_EQ(Settings(m_file).setupCrop(), std::nullopt);
