@@ -10,6 +10,9 @@ namespace vantry {
 
 namespace {
 
+/// Whoever wants to go on from where it plays knows that from what was told last, a tenth of a second ago or a little more.
+constexpr double nearEnough = 0.25;
+
 constexpr std::int64_t framesPerTick = framesPerSecond / 10;
 
 /// Beyond every end; keeps the arithmetic in its range.
@@ -24,7 +27,8 @@ double validTime(double time)
 
 Player::Player(QObject* parent)
     : QObject(parent)
-    , m_engine(std::make_unique<PlayerEngine>([this] { QMetaObject::invokeMethod(this, &Player::takeReport, Qt::QueuedConnection); }))
+    , m_engine(
+          std::make_unique<PlayerEngine>([this] { QMetaObject::invokeMethod(this, &Player::takeReport, Qt::QueuedConnection); }))
 {
 }
 
@@ -34,10 +38,13 @@ void Player::setItem(std::shared_ptr<const PlayerItem> item, double time)
 {
     m_item = std::move(item);
     m_hasFailed = false;
+    const bool goesOn = std::abs(validTime(time) - m_time) < nearEnough;
     Q_EMIT itemChanged();
     if (m_state == State::Empty)
         setState(State::Paused);
-    seek(time);
+    setTime(validTime(time));
+    ask(goesOn ? From::WhereItPlays : From::Time);
+    m_itemOrder = m_order;
 }
 
 void Player::clear()
@@ -46,6 +53,7 @@ void Player::clear()
         return;
     m_item.reset();
     ask();
+    m_itemOrder = m_order;
     m_isSeeking = false;
     Q_EMIT itemChanged();
     setState(State::Empty);
@@ -87,23 +95,33 @@ double Player::length() const
 }
 
 /// Tells the engine what is wanted now.
-void Player::ask()
+void Player::ask(From from)
 {
     m_isSeeking = true;
-    m_engine->follow(
-        { .number = ++m_order, .item = m_item, .time = timelineTime(m_time), .isPlaying = m_state == State::Playing });
+    m_engine->follow({ .number = ++m_order,
+        .item = m_item,
+        .time = timelineTime(m_time),
+        .isPlaying = m_state == State::Playing,
+        .goesOn = from == From::WhereItPlays });
 }
 
 void Player::takeReport()
 {
     const auto report = m_engine->takeReport();
-    if (!report || report->order != m_order)
+    if (!report || report->order < m_itemOrder)
         return;
+    if (report->order != m_order) {
+        // Of a seek that was overtaken: something to look at while the playhead is dragged.
+        if (report->event == PlayerEngine::Event::Shown)
+            show(report->picture);
+        return;
+    }
     m_isSeeking = false;
     if (report->picture)
         show(report->picture);
     switch (report->event) {
     case PlayerEngine::Event::Shown:
+    case PlayerEngine::Event::Played:
         if (m_state == State::Playing)
             advance(report->frame);
         break;

@@ -12,8 +12,8 @@ namespace vantry {
 
 class PlayerEngine;
 
-/// Plays a composition, picture and sound, and shows any of its frames. What it shows at a time is the frame that an export has there.
-/// Belongs to the main thread, which never waits for it: the work is done on threads of its own. Times are project seconds.
+/// Plays a composition, picture and sound, and shows any of its frames. What it shows at a time is the frame that an export has
+/// there. Belongs to the main thread, which never waits for it: the work is done on threads of its own. Times are project seconds.
 class Player : public QObject {
     Q_OBJECT
 
@@ -28,7 +28,8 @@ public:
     explicit Player(QObject* parent = nullptr);
     ~Player() override;
 
-    /// Plays this from now on, from `time`, if it was playing. The picture stays until the item's own is there.
+    /// Shows this from now on, at `time`; the picture stays until the item's own is there. If it was playing it plays on, and
+    /// without a jump when that is about where it is.
     void setItem(std::shared_ptr<const PlayerItem> item, double time);
 
     /// Nothing is shown any more.
@@ -64,7 +65,9 @@ Q_SIGNALS:
     void failed(const QString& description); ///< Playback has stopped. Once for an item, and once more whenever it is played.
 
 private:
-    void ask();
+    enum class From { Time, WhereItPlays };
+
+    void ask(From from = From::Time);
     void takeReport();
     void show(const Picture& picture);
     void advance(std::int64_t frame);
@@ -79,7 +82,8 @@ private:
     bool m_isSeeking = false;
     bool m_hasFailed = false; ///< And has said so.
     std::int64_t m_tick = 0; ///< The tenth of a second that was told last.
-    std::uint64_t m_order = 0; ///< The number of what the engine was told last; what it reports of earlier orders is of no interest.
+    std::uint64_t m_order = 0; ///< The number of what the engine was told last.
+    std::uint64_t m_itemOrder = 0; ///< The first one of this item; what the engine reports of earlier ones is of no interest.
 
     std::unique_ptr<PlayerEngine> m_engine;
 };

@@ -79,21 +79,27 @@ void PlayerEngine::carryOut(const Order& order)
         m_frames.setComposition(order.item->plan, order.item->instruction);
         m_item = order.item;
     }
-    const auto frame = order.item->plan.frameAt(order.time);
+    const auto& plan = order.item->plan;
+    const bool goesOn = order.goesOn && m_clock.isRunning();
+    const auto frame = plan.frameAt(goesOn ? m_clock.position() : order.time);
     m_frames.ask(frame);
     report({ .order = order.number, .frame = frame, .picture = m_frames.take() });
-    if (order.isPlaying)
-        play(order);
+    if (!order.isPlaying || isOvertaken(order))
+        return;
+    if (goesOn)
+        m_clock.goOnWith(plan);
+    else
+        m_clock.start(plan, order.time);
+    play(order, frame);
 }
 
 /// From the frame that is shown to the end, or until something else is wanted.
-void PlayerEngine::play(const Order& order)
+void PlayerEngine::play(const Order& order, std::int64_t shown)
 {
     const auto& plan = order.item->plan;
     const auto count = plan.frameCount();
-    std::int64_t toAsk = plan.frameAt(order.time) + 1;
+    std::int64_t toAsk = shown + 1;
     std::deque<std::int64_t> asked;
-    m_clock.start(plan, order.time);
     for (;;) {
         for (; toAsk < count && asked.size() < framesAhead; ++toAsk) {
             m_frames.ask(toAsk);
@@ -107,7 +113,7 @@ void PlayerEngine::play(const Order& order)
         auto picture = m_frames.take();
         if (!waitFor(frame * frameDuration, order))
             return;
-        report({ .order = order.number, .frame = frame, .picture = std::move(picture) });
+        report({ .order = order.number, .event = Event::Played, .frame = frame, .picture = std::move(picture) });
         const auto late = m_clock.position() - frame * frameDuration;
         if (!wasReady && late > frameDuration) {
             m_frames.giveUp();
@@ -119,6 +125,12 @@ void PlayerEngine::play(const Order& order)
         return;
     m_clock.stop();
     report({ .order = order.number, .event = Event::Ended });
+}
+
+bool PlayerEngine::isOvertaken(const Order& order) const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_order.number != order.number;
 }
 
 /// Until playback is there. False when something else is wanted meanwhile.

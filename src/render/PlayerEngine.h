@@ -16,7 +16,8 @@
 namespace vantry {
 
 /// What works behind a `Player`: a thread that shows the frame that is wanted and then those after it, each at its time. It is told
-/// what is wanted as a whole, and only the newest counts; of its reports, too, only the newest is kept. Safe to use from any thread.
+/// what is wanted as a whole, and only the newest counts; of its reports, too, only the newest is kept. Safe to use from any
+/// thread.
 class PlayerEngine {
 public:
     struct Order {
@@ -24,10 +25,12 @@ public:
         std::shared_ptr<const PlayerItem> item; ///< May be none.
         MediaTime time{};
         bool isPlaying = false;
+        bool goesOn = false; ///< An engine that plays already goes on from where it is, instead of `time`.
     };
 
     enum class Event {
-        Shown,
+        Shown, ///< The frame that was ordered.
+        Played, ///< One after it.
         Ended, ///< The item's end was played.
         Failed,
     };
@@ -50,7 +53,7 @@ public:
 private:
     void work();
     void carryOut(const Order& order);
-    void play(const Order& order);
+    void play(const Order& order, std::int64_t shown);
     bool isOvertaken(const Order& order) const;
     bool waitFor(MediaTime time, const Order& order);
     void report(Report report);
