@@ -1,19 +1,12 @@
 #include "project/ProjectFile.h"
-#include "support/Command.h"
-#include "support/TemporaryFolder.h"
-#include "support/TestDesktop.h"
-#include "support/XServer.h"
+#include "ui/WindowTest.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <thread>
-
 namespace vantry {
 
 namespace fs = std::filesystem;
-using namespace std::chrono_literals;
 using test::runCommand;
 
 namespace {
@@ -21,33 +14,15 @@ namespace {
 constexpr std::uint32_t green = 0x2E7D32, hudColour = 0x181C24;
 constexpr PixelRect hud{ 260, 12, 760, 64 };
 
-/// The program itself with its windows, a window manager, and another program that fills the screen.
-class PanelsTest : public testing::Test {
+/// The panels above another program that fills the screen.
+class PanelsTest : public test::WindowTest {
 protected:
     void SetUp() override
     {
-        ASSERT_TRUE(
-            holdsSoon([] { return runCommand("xprop -root _NET_SUPPORTING_WM_CHECK").find("window id") != std::string::npos; }));
+        WindowTest::SetUp();
         m_other = openFullScreen(green);
-        // Without a media server, so without a camera.
-        const std::string environment = "HOME='" + m_home.path().string() + "' XDG_CONFIG_HOME='" + (m_home / "config").string()
-            + "' PIPEWIRE_REMOTE=none LC_ALL=C.UTF-8 QT_QPA_PLATFORM=xcb QT_QUICK_BACKEND=software ";
-        m_program = std::make_unique<test::Program>(std::vector<std::string>{
-            "sh", "-c", "exec env " + environment + VANTRY_PROGRAM + " >'" + (m_home / "log").string() + "' 2>&1" });
-        ASSERT_TRUE(holdsSoon([&] { return isSeen("^Vantry$"); }));
+        start();
         m_desktop.movePointer(1200, 700);
-    }
-
-    template <typename Condition>
-    static bool holdsSoon(Condition condition)
-    {
-        const auto deadline = std::chrono::steady_clock::now() + 20s;
-        while (!condition()) {
-            if (std::chrono::steady_clock::now() > deadline)
-                return false;
-            std::this_thread::sleep_for(10ms);
-        }
-        return true;
     }
 
     /// A window that fills the screen, as a player's or a presentation's does. What the screen shows in its middle is that window.
@@ -89,22 +64,6 @@ protected:
         return connection.receive(xcb_get_input_focus_reply, xcb_get_input_focus(connection))->focus;
     }
 
-    static bool isSeen(const std::string& title)
-    {
-        return !runCommand("xdotool search --onlyvisible --name '" + title + "' || true").empty();
-    }
-
-    /// On the screen, as xdotool says it.
-    static PixelRect placeOf(const std::string& title)
-    {
-        PixelRect place{};
-        const std::string text =
-            runCommand("xdotool search --onlyvisible --name '" + title + "' getwindowgeometry --shell || true");
-        std::sscanf(text.c_str(), "WINDOW=%*d\nX=%d\nY=%d\nWIDTH=%d\nHEIGHT=%d", &place.x, &place.y, &place.width, &place.height);
-        return place;
-    }
-
-    std::uint32_t colourAt(int x, int y) { return m_desktop.pixels({ x, y, 1, 1 }).at(0); }
     bool hudIsOnTop() { return colourAt(hud.x + 470, hud.y + 6) == hudColour; }
 
     /// `x` from the panel's left edge, in its middle.
@@ -140,12 +99,7 @@ protected:
         return {};
     }
 
-    const test::TemporaryFolder m_home;
-    const test::XServer m_screen{ 1280, 720 };
-    const test::Program m_windowManager{ { "openbox", "--sm-disable" } };
-    test::TestDesktop m_desktop;
     xcb_window_t m_other = XCB_NONE;
-    std::unique_ptr<test::Program> m_program;
 };
 
 } // namespace
