@@ -12,6 +12,7 @@
 #include "model/OverlayFlow.h"
 #include "model/OverlayPictures.h"
 #include "model/Paths.h"
+#include "model/PreviewFlow.h"
 #include "model/RecordingFlow.h"
 #include "model/VideoFiles.h"
 #include "model/YouTubeFlow.h"
@@ -35,6 +36,7 @@ AppModel::AppModel(Options options)
     , m_devices(std::make_unique<CaptureDevices>(*this, *m_recorder))
     , m_recording(std::make_unique<RecordingFlow>(*this, *m_recorder, *m_devices))
     , m_overlayPictures(std::make_unique<OverlayPictures>())
+    , m_preview(std::make_unique<PreviewFlow>(*this))
     , m_export(std::make_unique<ExportFlow>(*this, std::move(options.reveal)))
     , m_editing(std::make_unique<EditingCommands>(*this, *m_recorder))
     , m_ai(std::make_unique<AI::Client>(
@@ -123,6 +125,7 @@ void AppModel::newRecording()
         return;
     setProject(std::nullopt);
     setFolder(std::nullopt);
+    m_preview->clear();
     setPhase(Phase::setup());
     m_devices->startCamera();
 }
@@ -208,6 +211,16 @@ QCoro::Task<bool> AppModel::aiOverlay(const QString& instruction)
 QCoro::Task<> AppModel::generateYouTube()
 {
     return m_youTube->generate();
+}
+
+void AppModel::refreshPlayer()
+{
+    m_preview->refresh();
+}
+
+void AppModel::seek(double time)
+{
+    m_preview->seek(time);
 }
 
 void AppModel::exportTo(const fs::path& file)

@@ -32,6 +32,7 @@ class ExportFlow;
 class FieldBinding;
 class OverlayFlow;
 class OverlayPictures;
+class PreviewFlow;
 class Recorder;
 class RecordingFlow;
 class YouTubeFlow;
@@ -49,13 +50,14 @@ class AppModel : public QObject {
     Q_OBJECT
     Q_MOC_INCLUDE("model/CaptureDevices.h")
     Q_MOC_INCLUDE("model/FieldBinding.h")
+    Q_MOC_INCLUDE("model/PreviewFlow.h")
     Q_PROPERTY(vantry::Phase phase READ phase NOTIFY phaseChanged)
     Q_PROPERTY(QString folder READ folderText NOTIFY folderChanged)
     Q_PROPERTY(QString projectName READ projectName NOTIFY projectChanged)
     Q_PROPERTY(double projectLength READ projectLength NOTIFY projectChanged)
     Q_PROPERTY(int revision READ revision NOTIFY revisionChanged)
     Q_PROPERTY(double liveTime READ liveTime NOTIFY liveTimeChanged)
-    Q_PROPERTY(double playhead READ playhead WRITE setPlayhead NOTIFY playheadChanged)
+    Q_PROPERTY(double playhead READ playhead NOTIFY playheadChanged)
     Q_PROPERTY(QString alert READ alertText WRITE setAlertText NOTIFY alertChanged)
     Q_PROPERTY(QString busy READ busyText NOTIFY busyChanged)
     Q_PROPERTY(QString status READ statusText NOTIFY statusChanged)
@@ -65,6 +67,7 @@ class AppModel : public QObject {
     Q_PROPERTY(QStringList recent READ recentFolders NOTIFY recentChanged)
     Q_PROPERTY(vantry::Settings* settings READ settings CONSTANT)
     Q_PROPERTY(vantry::CaptureDevices* devices READ devices CONSTANT)
+    Q_PROPERTY(vantry::PreviewFlow* preview READ preview CONSTANT)
 
 public:
     struct Options {
@@ -117,6 +120,7 @@ public:
 
     Settings* settings() { return &m_settings; }
     CaptureDevices* devices() { return m_devices.get(); }
+    PreviewFlow* preview() { return m_preview.get(); }
     Recorder& recorder() { return *m_recorder; }
     RecordingFlow& recording() { return *m_recording; }
     ExportFlow& exporting() { return *m_export; }
@@ -183,6 +187,15 @@ public:
 
     /// Has the AI write title, description, tags and chapters. What is not transcribed yet is transcribed before.
     QCoro::Task<> generateYouTube();
+
+    // Preview.
+
+    /// Shows the project as it is now: at the pending seek, else at the playhead. Why that cannot be done is told; what was shown
+    /// stays then.
+    Q_INVOKABLE void refreshPlayer();
+
+    /// Moves the playhead and the preview to a project time. A negative one, and what is no number, is the start.
+    Q_INVOKABLE void seek(double time);
 
     // Exporting.
     void exportTo(const std::filesystem::path& file);
@@ -266,6 +279,7 @@ private:
     std::unique_ptr<CaptureDevices> m_devices;
     std::unique_ptr<RecordingFlow> m_recording;
     std::unique_ptr<OverlayPictures> m_overlayPictures;
+    std::unique_ptr<PreviewFlow> m_preview;
     std::unique_ptr<ExportFlow> m_export;
     std::unique_ptr<EditingCommands> m_editing;
     std::unique_ptr<AI::Client> m_ai;

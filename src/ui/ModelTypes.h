@@ -3,6 +3,7 @@
 #include "model/AppModel.h"
 #include "model/CaptureDevices.h"
 #include "model/FieldBinding.h"
+#include "model/PreviewFlow.h"
 
 #include <QtQml/qqml.h>
 
@@ -36,6 +37,13 @@ struct CameraMirrorType {
     QML_FOREIGN(vantry::CameraMirror)
     QML_NAMED_ELEMENT(CameraMirror)
     QML_UNCREATABLE("It belongs to the devices.")
+};
+
+struct PreviewType {
+    Q_GADGET
+    QML_FOREIGN(vantry::PreviewFlow)
+    QML_NAMED_ELEMENT(Preview)
+    QML_UNCREATABLE("It belongs to the model.")
 };
 
 struct FieldBindingType {
