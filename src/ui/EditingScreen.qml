@@ -3,79 +3,50 @@ import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import Vantry
 
-/// What can be done with a recording: go on, take its end again, export it.
+/// A recording as a video, and what can be done with it: go on, take its end again, export it.
 ColumnLayout {
     id: screen
 
     required property AppModel model
     readonly property bool recorded: model.projectLength > 0
     readonly property bool exporting: model.busy !== ""
+    readonly property int margin: 24
 
-    spacing: Theme.gap * 2
+    spacing: 20
+    Component.onCompleted: model.refreshPlayer()
+    Keys.forwardTo: player
 
-    Item { Layout.fillHeight: true }
+    Connections {
+        target: screen.model
 
-    ColumnLayout {
-        Layout.alignment: Qt.AlignHCenter
-        Layout.fillWidth: false
-        Layout.preferredWidth: Theme.columnWidth
-        spacing: 6
-
-        Label {
-            Layout.fillWidth: true
-            text: screen.model.projectName
-            color: Theme.ink
-            elide: Text.ElideRight
-            font { pixelSize: 24; weight: Font.DemiBold }
-        }
-
-        Label {
-            Layout.fillWidth: true
-            text: Format.timecode(screen.model.projectLength) + " in " + screen.model.folder
-            color: Theme.inkSecondary
-            elide: Text.ElideMiddle
-            font.pixelSize: Theme.fontSize
+        function onRevisionChanged() {
+            screen.model.refreshPlayer();
         }
     }
 
-    ActionCard {
-        title: "Record"
-        Layout.alignment: Qt.AlignHCenter
+    RowLayout {
+        Layout.margins: screen.margin
+        Layout.bottomMargin: 0
+        spacing: Theme.gap
 
-        StudioButton {
-            kind: StudioButton.Kind.Record
-            text: "Record more"
-            focus: true
-            enabled: !screen.exporting
-            icon.source: "qrc:/icons/circle-dot.svg"
-            onClicked: screen.model.record()
-        }
+        ColumnLayout {
+            spacing: 4
 
-        StudioButton {
-            text: "Retake last 10 s"
-            enabled: screen.model.projectLength > 10 && !screen.exporting
-            icon.source: "qrc:/icons/rotate-ccw.svg"
-            onClicked: screen.model.retakeLast(10)
-        }
+            Label {
+                Layout.fillWidth: true
+                text: screen.model.projectName
+                color: Theme.ink
+                elide: Text.ElideRight
+                font { pixelSize: 20; weight: Font.DemiBold }
+            }
 
-        StudioButton {
-            text: "Retake last 30 s"
-            enabled: screen.model.projectLength > 30 && !screen.exporting
-            icon.source: "qrc:/icons/rotate-ccw.svg"
-            onClicked: screen.model.retakeLast(30)
-        }
-    }
-
-    ActionCard {
-        title: "Finish"
-        Layout.alignment: Qt.AlignHCenter
-
-        StudioButton {
-            kind: StudioButton.Kind.Primary
-            text: "Export MP4"
-            enabled: screen.recorded && !screen.exporting
-            icon.source: "qrc:/icons/share.svg"
-            onClicked: exportDialog.ask()
+            Label {
+                Layout.fillWidth: true
+                text: screen.model.folder
+                color: Theme.inkSecondary
+                elide: Text.ElideMiddle
+                font.pixelSize: Theme.fontSize
+            }
         }
 
         StudioButton {
@@ -84,16 +55,70 @@ ColumnLayout {
             icon.source: "qrc:/icons/plus.svg"
             onClicked: screen.model.newRecording()
         }
+
+        StudioButton {
+            kind: StudioButton.Kind.Primary
+            text: "Export MP4"
+            enabled: screen.recorded && !screen.exporting
+            icon.source: "qrc:/icons/share.svg"
+            onClicked: exportDialog.ask()
+        }
     }
 
-    ExportStatus {
-        Layout.alignment: Qt.AlignHCenter
+    PlayerView {
+        id: player
+
+        Layout.fillWidth: true
+        Layout.fillHeight: true
+        Layout.leftMargin: screen.margin
+        Layout.rightMargin: screen.margin
+        focus: true
         model: screen.model
-        opacity: screen.exporting ? 1 : 0
-        enabled: screen.exporting
     }
 
-    Item { Layout.fillHeight: true }
+    Item {
+        Layout.alignment: Qt.AlignHCenter
+        Layout.bottomMargin: 44
+        implicitWidth: Math.max(takes.implicitWidth, status.width)
+        implicitHeight: takes.implicitHeight
+
+        RowLayout {
+            id: takes
+
+            anchors.centerIn: parent
+            visible: !screen.exporting
+            spacing: Theme.gap
+
+            StudioButton {
+                kind: StudioButton.Kind.Record
+                text: "Record more"
+                icon.source: "qrc:/icons/circle-dot.svg"
+                onClicked: screen.model.record()
+            }
+
+            StudioButton {
+                text: "Retake last 10 s"
+                enabled: screen.model.projectLength > 10
+                icon.source: "qrc:/icons/rotate-ccw.svg"
+                onClicked: screen.model.retakeLast(10)
+            }
+
+            StudioButton {
+                text: "Retake last 30 s"
+                enabled: screen.model.projectLength > 30
+                icon.source: "qrc:/icons/rotate-ccw.svg"
+                onClicked: screen.model.retakeLast(30)
+            }
+        }
+
+        ExportStatus {
+            id: status
+
+            anchors.centerIn: parent
+            visible: screen.exporting
+            model: screen.model
+        }
+    }
 
     ExportDialog {
         id: exportDialog
