@@ -8,10 +8,24 @@
 namespace vantry {
 
 struct VideoReader::State {
+    libav::FramePtr keyframeBefore(MediaTime time);
+
     Decoder decoder;
     PictureConverter converter{};
     std::deque<libav::FramePtr> ready{}; ///< Decoded while seeking, not given out yet.
 };
+
+/// Goes there. A keyframe that is decoded before `time` may be shown after it: then the one before it is needed.
+libav::FramePtr VideoReader::State::keyframeBefore(MediaTime time)
+{
+    ready.clear();
+    for (auto from = time;; from -= std::chrono::seconds(1)) {
+        decoder.seek(from);
+        auto keyframe = decoder.next();
+        if (!keyframe || decoder.time(*keyframe) <= time || from <= decoder.start())
+            return keyframe;
+    }
+}
 
 VideoReader::VideoReader(const std::filesystem::path& movie, int track, Options options)
     : m_state(new State{ .decoder = { movie, track, { .media = TrackMedia::Video, .threads = options.threads } } })
@@ -23,17 +37,7 @@ VideoReader::~VideoReader() = default;
 void VideoReader::seek(MediaTime time)
 {
     auto& decoder = m_state->decoder;
-    m_state->ready.clear();
-
-    // A keyframe that is decoded before `time` may be shown after it: then the one before it is needed.
-    auto from = time;
-    libav::FramePtr newest;
-    for (;; from -= std::chrono::seconds(1)) {
-        decoder.seek(from);
-        newest = decoder.next();
-        if (!newest || decoder.time(*newest) <= time || from <= decoder.start())
-            break;
-    }
+    auto newest = m_state->keyframeBefore(time);
     while (newest) {
         auto following = decoder.next();
         if (following && decoder.time(*following) <= time) {
@@ -44,6 +48,12 @@ void VideoReader::seek(MediaTime time)
         if (following)
             m_state->ready.push_back(std::move(following));
     }
+}
+
+void VideoReader::seekKeyframe(MediaTime time)
+{
+    if (auto keyframe = m_state->keyframeBefore(time))
+        m_state->ready.push_back(std::move(keyframe));
 }
 
 std::optional<TimedPicture> VideoReader::next()

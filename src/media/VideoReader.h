@@ -28,6 +28,9 @@ public:
     /// The next call of `next` gives the newest picture at or before `time`, or the first one there is.
     void seek(MediaTime time);
 
+    /// The next call of `next` gives a keyframe at or before `time`, or the first picture there is.
+    void seekKeyframe(MediaTime time);
+
     /// Nothing at the end of the track. Throws AppError when the movie is damaged beyond decoding.
     std::optional<TimedPicture> next();
 

@@ -4,8 +4,9 @@
 
 namespace vantry {
 
-FrameMaker::Track::Track(std::string thread, TrackPictures::Options options)
+FrameMaker::Track::Track(std::string thread, TrackPictures::Options options, const Progress& progress)
     : m_options(options)
+    , m_progress(progress)
     , m_worker(std::move(thread))
 {
 }
@@ -18,14 +19,17 @@ void FrameMaker::Track::setSegments(std::vector<Segment> segments)
     });
 }
 
-std::future<Picture> FrameMaker::Track::at(MediaTime time, const std::atomic<std::uint64_t>& newest, std::uint64_t order)
+std::future<Picture> FrameMaker::Track::at(MediaTime time, std::uint64_t number)
 {
-    return m_worker.async([this, time, &newest, order] { return newest == order ? m_pictures->at(time) : Picture(); });
+    return m_worker.async([this, time, number] {
+        const auto isHurried = [&] { return number <= m_progress.hurried; };
+        return number > m_progress.givenUp ? m_pictures->at(time, isHurried) : Picture();
+    });
 }
 
 FrameMaker::FrameMaker(const std::string& name, TrackPictures::Options tracks)
-    : m_screen(name + "-screen", tracks)
-    , m_camera(name + "-camera", tracks)
+    : m_screen(name + "-screen", tracks, m_progress)
+    , m_camera(name + "-camera", tracks, m_progress)
     , m_worker(name + "-compose")
 {
 }
@@ -48,13 +52,13 @@ void FrameMaker::setComposition(const CompositionPlan& plan, std::shared_ptr<con
 void FrameMaker::ask(std::int64_t frame)
 {
     const auto time = frame * frameDuration;
-    const std::uint64_t order = m_order;
-    auto screen = m_screen.at(time, m_order, order).share();
-    auto camera = m_camera.at(time, m_order, order).share();
-    m_asked.push_back(m_worker.async([this, time, order, screen = std::move(screen), camera = std::move(camera)] {
+    const auto number = ++m_progress.asked;
+    auto screen = m_screen.at(time, number).share();
+    auto camera = m_camera.at(time, number).share();
+    m_asked.push_back(m_worker.async([this, time, number, screen = std::move(screen), camera = std::move(camera)] {
         const auto& screenPicture = screen.get();
         const auto& cameraPicture = camera.get();
-        return m_order == order ? m_compositor->compose(time, screenPicture, cameraPicture) : Picture();
+        return number > m_progress.givenUp ? m_compositor->compose(time, screenPicture, cameraPicture) : Picture();
     }));
 }
 
@@ -72,8 +76,13 @@ Picture FrameMaker::take()
 
 void FrameMaker::giveUp()
 {
-    ++m_order;
+    m_progress.givenUp = m_progress.asked.load();
     m_asked.clear();
+}
+
+void FrameMaker::hurry()
+{
+    m_progress.hurried = m_progress.asked.load();
 }
 
 } // namespace vantry

@@ -2,8 +2,8 @@
 
 #include "base/Worker.h"
 #include "media/Picture.h"
-#include "render/Compositor.h"
 #include "render/CompositionPlan.h"
+#include "render/Compositor.h"
 #include "render/TrackPictures.h"
 
 #include <atomic>
@@ -16,8 +16,8 @@
 
 namespace vantry {
 
-/// Makes the frames of a composition, for whoever writes or shows them: on threads of its own the pictures of both tracks are decoded
-/// and composed while the frames before them are used. Belongs to one thread.
+/// Makes the frames of a composition, for whoever writes or shows them: on threads of its own the pictures of both tracks are
+/// decoded and composed while the frames before them are used. Belongs to one thread, but for `hurry`.
 class FrameMaker {
 public:
     /// `name` begins its threads' names: at most seven characters.
@@ -46,22 +46,33 @@ public:
     /// Forgets the frames that were asked for.
     void giveUp();
 
+    /// Of the frames that were asked for so far, it does when they are made of pictures that are not far before. Any thread.
+    void hurry();
+
 private:
+    /// What becomes of the frames asked for, which are counted.
+    struct Progress {
+        std::atomic<std::uint64_t> asked = 0;
+        std::atomic<std::uint64_t> hurried = 0; ///< Up to this one, they need not be exact.
+        std::atomic<std::uint64_t> givenUp = 0; ///< Up to this one, nobody waits for them.
+    };
+
     /// One of the picture tracks with the thread that decodes it.
     class Track {
     public:
-        Track(std::string thread, TrackPictures::Options options);
+        Track(std::string thread, TrackPictures::Options options, const Progress& progress);
 
         void setSegments(std::vector<Segment> segments);
-        std::future<Picture> at(MediaTime time, const std::atomic<std::uint64_t>& newest, std::uint64_t order);
+        std::future<Picture> at(MediaTime time, std::uint64_t number);
 
     private:
         const TrackPictures::Options m_options;
+        const Progress& m_progress;
         std::optional<TrackPictures> m_pictures; ///< Belongs to the worker.
         Worker m_worker;
     };
 
-    std::atomic<std::uint64_t> m_order = 0; ///< Counts what was given up: work for an earlier number is not done any more.
+    Progress m_progress;
     std::deque<std::future<Picture>> m_asked;
     Track m_screen;
     Track m_camera;

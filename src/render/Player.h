@@ -39,8 +39,9 @@ public:
     void play();
     void pause();
 
-    /// Shows the frame at `time`, beyond the end the last one; a time that is negative or no number is 0. Of several seeks in a row
-    /// some are shown, and the last one is. Goes on playing from there if it was. Nothing happens without an item.
+    /// Shows the frame at `time`, beyond the end the last one; a time that is negative or no number is 0. When seeks come faster than
+    /// frames can be made, what is shown on the way is near enough; the last one is exact. Goes on playing from there if it was.
+    /// Nothing happens without an item.
     void seek(double time);
 
     State state() const { return m_state; }

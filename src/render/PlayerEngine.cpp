@@ -37,6 +37,7 @@ PlayerEngine::~PlayerEngine()
 
 void PlayerEngine::follow(Order order)
 {
+    m_frames.hurry(); // Before the order is seen: what is made for it has to be exact.
     {
         const std::lock_guard lock(m_mutex);
         m_order = std::move(order);

@@ -8,7 +8,7 @@ namespace vantry {
 
 namespace {
 
-/// What lies further ahead is looked up. A clip has a keyframe every second, so that takes half a second's pictures on average.
+/// What lies further ahead is looked up: a clip has a keyframe every second, so it takes half a second's pictures on average.
 constexpr MediaTime longestRead = std::chrono::milliseconds(500);
 
 /// The latest output frame that shows the segment, up to the frame at `time`; nothing when it is too short for one.
@@ -27,25 +27,25 @@ TrackPictures::TrackPictures(std::vector<Segment> segments, Options options)
 {
 }
 
-Picture TrackPictures::at(MediaTime time)
+Picture TrackPictures::at(MediaTime time, const std::function<bool()>& isEnough)
 {
     const auto later = std::ranges::upper_bound(m_segments, time, {}, &Segment::outputStart);
     for (auto segment = static_cast<std::size_t>(later - m_segments.begin()); segment-- > 0;)
         if (const auto frame = frameWithin(m_segments[segment], time))
-            if (auto picture = pictureIn(segment, *frame))
+            if (auto picture = pictureIn(segment, *frame, isEnough))
                 return picture;
     return {};
 }
 
 /// The newest picture at or before an output time that lies within the segment.
-Picture TrackPictures::pictureIn(std::size_t index, MediaTime time)
+Picture TrackPictures::pictureIn(std::size_t index, MediaTime time, const std::function<bool()>& isEnough)
 {
     const auto& segment = m_segments[index];
     const auto sourceTime = segment.sourceStart + (time - segment.outputStart);
     try {
         if (m_current != index)
             open(index);
-        reach(sourceTime);
+        reach(sourceTime, isEnough);
     } catch (...) {
         close(); // A decoder that has failed is not asked again.
         throw;
@@ -69,19 +69,21 @@ void TrackPictures::close()
 }
 
 /// Sees to it that the newest picture at or before the time is among the decoded ones, and that it is known to be the newest.
-void TrackPictures::reach(MediaTime sourceTime)
+void TrackPictures::reach(MediaTime sourceTime, const std::function<bool()>& isEnough)
 {
-    if (m_decoded.empty() || sourceTime < m_from || (!m_isAtEnd && sourceTime > m_decoded.back().time + longestRead))
+    const auto isFarAhead = [&] { return !m_isAtEnd && sourceTime > m_sought && sourceTime > m_decoded.back().time + longestRead; };
+    if (m_decoded.empty() || sourceTime < m_from || isFarAhead())
         seek(sourceTime);
-    while (!m_isAtEnd && m_decoded.back().time <= sourceTime)
+    while (!m_isAtEnd && m_decoded.back().time <= sourceTime && !isEnough())
         readOne();
 }
 
 void TrackPictures::seek(MediaTime sourceTime)
 {
-    m_reader->seek(sourceTime);
+    m_reader->seekKeyframe(sourceTime);
     m_decoded.clear();
     m_isAtEnd = false;
+    m_sought = sourceTime;
     readOne();
     m_from = m_decoded.empty() ? sourceTime : std::min(sourceTime, m_decoded.front().time);
 }

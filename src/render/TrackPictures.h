@@ -4,6 +4,7 @@
 #include "render/CompositionPlan.h"
 
 #include <deque>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -24,15 +25,21 @@ public:
 
     /// What the output frame at `time` shows: the newest picture at or before it, as long as it is the newest the same one. In a
     /// gap the last one of the frames before it stays; null before the first. Throws AppError.
-    Picture at(MediaTime time);
+    Picture at(MediaTime time)
+    {
+        return at(time, [] { return false; });
+    }
+
+    /// The same, but as soon as `isEnough` says so a picture that is not far before does. It is asked often.
+    Picture at(MediaTime time, const std::function<bool()>& isEnough);
 
     const std::vector<Segment>& segments() const { return m_segments; }
 
 private:
-    Picture pictureIn(std::size_t segment, MediaTime time);
+    Picture pictureIn(std::size_t segment, MediaTime time, const std::function<bool()>& isEnough);
     void open(std::size_t segment);
     void close();
-    void reach(MediaTime sourceTime);
+    void reach(MediaTime sourceTime, const std::function<bool()>& isEnough);
     void seek(MediaTime sourceTime);
     void readOne();
 
@@ -44,6 +51,7 @@ private:
     std::unique_ptr<VideoReader> m_reader;
     std::deque<TimedPicture> m_decoded; ///< Without a gap, in their order.
     MediaTime m_from{}; ///< The earliest source time for which they hold the picture.
+    MediaTime m_sought{}; ///< Up to here, no keyframe is nearer than the one from which they were read.
     bool m_isAtEnd = false; ///< None follows them.
 };
 
