@@ -3,6 +3,7 @@
 #include "base/AppError.h"
 #include "base/Log.h"
 #include "capture/ClipSettings.h"
+#include "capture/DiskRoom.h"
 #include "capture/EncoderQueue.h"
 #include "capture/PictureTrack.h"
 #include "capture/SoundTrack.h"
@@ -60,9 +61,11 @@ enum class Phase { Writing, Finishing };
 } // namespace
 
 struct ClipWriter::State {
-    State(std::filesystem::path path, HostTime start)
+    State(std::filesystem::path path, HostTime start, ProblemHandler onProblem)
         : file(std::move(path))
         , start(start)
+        , onProblem(std::move(onProblem))
+        , room(file.parent_path())
     {
         soundUntil.fill(start);
     }
@@ -70,11 +73,14 @@ struct ClipWriter::State {
 
     void addTracks(const ClipTracks& wanted);
     void startMuxer();
+    void removeFile();
 
     ClipTrack* track(TrackKind kind) const { return tracks[static_cast<std::size_t>(kind)].get(); }
     PacketSink sinkOf(TrackKind kind);
     void offer(TrackKind kind, std::function<void(ClipTrack&, const PacketSink&)> write);
     void keepUp(HostTime now);
+    void watchRoom();
+    void tell(const std::string& text) const;
     void attempt(const std::function<void()>& work);
     void fail(const std::string& text);
     void finishTrack(TrackKind kind, HostDuration length);
@@ -82,6 +88,7 @@ struct ClipWriter::State {
 
     const std::filesystem::path file;
     const HostTime start;
+    const ProblemHandler onProblem;
 
     // Belong to the caller's thread.
     Phase phase = Phase::Writing;
@@ -96,6 +103,8 @@ struct ClipWriter::State {
     // Belong to the writing thread once the first sample has come.
     std::optional<Muxer> muxer;
     std::array<int, trackKindCount> muxerTracks{};
+    DiskRoom room;
+    bool hasRoom = true;
 
     std::optional<Worker> writing;
     std::array<std::unique_ptr<ClipTrack>, trackKindCount> tracks;
@@ -140,7 +149,17 @@ void ClipWriter::State::startMuxer()
         ++openTracks;
     }
     muxer->start();
+    room.checkForClip();
     writing.emplace("clip file");
+}
+
+/// What is no file, as a device, is not ours to remove.
+void ClipWriter::State::removeFile()
+{
+    muxer.reset();
+    std::error_code error;
+    if (std::filesystem::is_regular_file(file, error))
+        std::filesystem::remove(file, error);
 }
 
 /// Runs on the track's thread; what it is given goes on to the writing thread.
@@ -150,8 +169,24 @@ PacketSink ClipWriter::State::sinkOf(TrackKind kind)
         // A job can be copied, a packet cannot.
         writing->post([this, index, shared = std::make_shared<Packet>(std::move(packet))] {
             attempt([&] { muxer->write(index, std::move(*shared)); });
+            watchRoom();
         });
     };
+}
+
+void ClipWriter::State::watchRoom()
+{
+    if (!hasRoom || !room.isRunningOut())
+        return;
+    hasRoom = false;
+    tell(DiskRoom::runsOut);
+}
+
+void ClipWriter::State::tell(const std::string& text) const
+{
+    qCWarning(logCapture, "%s", text.c_str());
+    if (onProblem)
+        onProblem(text);
 }
 
 void ClipWriter::State::offer(TrackKind kind, std::function<void(ClipTrack&, const PacketSink&)> write)
@@ -196,11 +231,13 @@ void ClipWriter::State::attempt(const std::function<void()>& work)
 
 void ClipWriter::State::fail(const std::string& text)
 {
-    const std::lock_guard lock(problemMutex);
-    if (hasFailed.exchange(true))
-        return;
-    problem = text;
-    qCWarning(logCapture, "%s", text.c_str());
+    {
+        const std::lock_guard lock(problemMutex);
+        if (hasFailed.exchange(true))
+            return;
+        problem = text;
+    }
+    tell(text);
 }
 
 void ClipWriter::State::finishTrack(TrackKind kind, HostDuration length)
@@ -234,15 +271,17 @@ void ClipWriter::State::complete(HostDuration length, const WhenDone& whenDone)
     whenDone(outcome);
 }
 
-ClipWriter::ClipWriter(const std::filesystem::path& file, const ClipTracks& tracks, HostTime start)
-    : m_state(std::make_unique<State>(file, start))
+ClipWriter::ClipWriter(const std::filesystem::path& file, const ClipTracks& tracks, HostTime start, ProblemHandler onProblem)
+    : m_state(std::make_unique<State>(file, start, std::move(onProblem)))
 {
     m_state->addTracks(tracks);
     try {
         m_state->startMuxer();
     } catch (const AppError&) {
+        m_state->removeFile();
         throw;
     } catch (const std::exception&) {
+        m_state->removeFile();
         throw AppError("Could not start writing " + file.filename().string());
     }
 }

@@ -47,9 +47,14 @@ struct ClipOutcome {
 class ClipWriter {
 public:
     using WhenDone = std::function<void(const ClipOutcome&)>;
+    using ProblemHandler = std::function<void(const std::string& text)>;
 
-    /// Throws AppError: the platform's own words, or "Could not start writing " and the file's name.
-    ClipWriter(const std::filesystem::path& file, const ClipTracks& tracks, HostTime start);
+    /// `onProblem` is called on a thread of the writer when the clip had better end now, with why, for a user: the disk is almost
+    /// full, or nothing more can be written. Once, and once more when the one becomes the other.
+    ///
+    /// Throws AppError when the disk is full, and else in the platform's own words, or "Could not start writing " and the file's
+    /// name; no file is left then.
+    ClipWriter(const std::filesystem::path& file, const ClipTracks& tracks, HostTime start, ProblemHandler onProblem = {});
 
     /// Waits for a `finish` under way. Without one the clip is given up and the file is left incomplete.
     ~ClipWriter();

@@ -143,7 +143,10 @@ void Recorder::beginClip(const std::filesystem::path& file)
         const HostTime start = HostClock::now();
         tracks.screen = m_screenSize;
         tracks.system = m_systemAudio;
-        auto writer = std::make_unique<ClipWriter>(file, tracks, start);
+        auto writer = std::make_unique<ClipWriter>(file, tracks, start, [this](const std::string& text) {
+            if (m_onClipProblem)
+                m_onClipProblem(QString::fromStdString(text));
+        });
         // A still screen sends nothing, and yet every clip begins with a picture.
         if (m_latestScreen)
             writer->append(PictureSample{ m_latestScreen->picture, start }, TrackKind::screen);

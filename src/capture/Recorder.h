@@ -25,6 +25,7 @@ class Recorder {
 public:
     using StreamErrorHandler = std::function<void(const QString& description)>;
     using StatusHandler = std::function<void(const QString& text)>;
+    using ClipProblemHandler = std::function<void(const QString& text)>;
     using ClipHandler = std::function<void(const ClipOutcome& outcome)>;
 
     Recorder() = default;
@@ -36,6 +37,9 @@ public:
     /// Called on the capture queue with what the user should know of camera, microphone and other programs' sound. To be set before
     /// the first start.
     void setOnStatus(StatusHandler handler);
+
+    /// Called on a thread of the clip's writer when the clip had better end now, with why. To be set before the first clip.
+    void setOnClipProblem(ClipProblemHandler handler) { m_onClipProblem = std::move(handler); }
 
     /// Called when a clip's file is complete, on a thread of its writer, before `endClip`'s future is done: how its tracks fared.
     /// To be set before the first clip.
@@ -85,6 +89,7 @@ private:
 
     StreamErrorHandler m_onStreamError;
     StatusHandler m_onStatus;
+    ClipProblemHandler m_onClipProblem;
     ClipHandler m_onClip;
     bool m_captureSystemAudio = false; ///< Belongs to the main thread.
 

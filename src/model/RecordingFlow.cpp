@@ -56,6 +56,7 @@ void RecordingFlow::listenToRecorder()
     };
     m_recorder.setOnStreamError(
         onMainThread([](RecordingFlow& flow, const QString& description) { flow.onStreamError(description); }));
+    m_recorder.setOnClipProblem(onMainThread([](RecordingFlow& flow, const QString& text) { flow.onClipProblem(text); }));
     m_recorder.setOnStatus(onMainThread([](RecordingFlow& flow, const QString& text) { flow.m_model.setStatus(text); }));
 }
 
@@ -64,6 +65,15 @@ void RecordingFlow::onStreamError(const QString& description)
     report("Screen capture stopped: "_L1 + description);
     if (m_model.phase().isCountdown())
         cancelStart();
+    stop(0);
+}
+
+void RecordingFlow::onClipProblem(const QString& text)
+{
+    if (m_model.phase() != Phase::recording())
+        return; // It ends already.
+    m_clipProblem = text;
+    report("Recording stopped: "_L1 + text);
     stop(0);
 }
 
@@ -112,7 +122,8 @@ QCoro::Task<> RecordingFlow::startClip(std::optional<double> cutAt)
     if (!m_model.project() || m_model.project()->clips.empty())
         m_model.newProject();
     m_startCancelled = false;
-    m_model.setStatus(std::nullopt); // It told of the time before.
+    m_model.setStatus(std::nullopt); // They told of the time before.
+    m_model.setAlert(std::nullopt);
     m_model.setPhase(Phase::countdown(countdownFrom));
 
     std::optional<QString> failure;
@@ -206,6 +217,7 @@ void RecordingFlow::beginClip()
     m_recorder.beginClip(*m_model.folder() / name);
     m_currentFile = name;
     m_ending.reset();
+    m_clipProblem.clear();
     tick();
     m_model.setPhase(Phase::recording());
     m_clock.start();
@@ -238,7 +250,7 @@ QCoro::Task<> RecordingFlow::finishClip()
     if (duration && m_currentFile)
         appendClip(*duration);
     else
-        report(u"The last clip could not be saved."_s);
+        report(QString(u"The last clip could not be saved. "_s + m_clipProblem).trimmed());
     m_currentFile.reset();
     co_await m_recorder.stopScreen();
     if (self)

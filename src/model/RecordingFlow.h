@@ -60,6 +60,7 @@ private:
     void tick();
     void listenToRecorder();
     void onStreamError(const QString& description);
+    void onClipProblem(const QString& text);
     void report(const QString& failure);
 
     AppModel& m_model;
@@ -67,6 +68,7 @@ private:
     CaptureDevices& m_devices;
     QTimer m_clock;
     std::optional<std::string> m_currentFile;
+    QString m_clipProblem; ///< Why it had to end, if it had to.
     std::optional<QFuture<std::optional<double>>> m_ending; ///< Of the current file.
     bool m_startCancelled = false;
     std::string m_toldRefusal; ///< Whoever records all the same knows it.

@@ -75,6 +75,23 @@ protected:
         return finish(*start(arguments, platform));
     }
 
+    /// Records onto a disk of its own of so many MB, which is filled up but for the last `left` as soon as there is a clip. What is
+    /// on it in the end is copied to `kept`.
+    Result recordOnSmallDisk(int size, int left)
+    {
+        const auto disk = (m_home / "Videos").string();
+        fs::create_directories(disk);
+        const std::string fill = "(until ls " + disk + "/Vantry/*/*.mov; do sleep 0.1; done; head -c " + std::to_string(size - left)
+            + "M /dev/zero) >" + disk + "/filler 2>&1 &";
+        const std::string command = "mount -t tmpfs -o size=" + std::to_string(size) + "M none " + disk + " || exit 77; " + fill
+            + " HOME=" + m_home.path().string() + " QT_QPA_PLATFORM=offscreen LC_ALL=C.UTF-8 " VANTRY_PROGRAM
+            + " --autorecord 60 --export " + (m_home / "out.mp4").string() + " >" + outputFile().string() + " 2>"
+            + errorFile().string() + "; status=$?; kill $!; rm -f " + disk + "/filler; mkdir -p " + disk + "/Vantry; cp -r " + disk
+            + "/Vantry " + (m_home / "kept").string() + "; exit $status";
+        test::Program program({ "unshare", "--user", "--map-root-user", "--mount", "sh", "-c", command });
+        return finish(program);
+    }
+
     /// A project whose one clip of a second is shown again and again.
     fs::path recordProject(int repetitions)
     {
@@ -227,6 +244,31 @@ TEST_F(ProgramTest, aRecordingOutlivesTheScreenOfItsWindow)
     ASSERT_THAT(project.clips, SizeIs(1));
     EXPECT_GE(project.clips[0].duration, 1);
     EXPECT_NEAR(test::probeEnd(onlyProject() / project.clips[0].file, "v:0"), project.clips[0].duration, 0.05);
+}
+
+TEST_F(ProgramTest, aDiskThatRunsFullEndsTheClipWhileItCanBeCompleted)
+{
+    const test::XServer screen(640, 360);
+    const Result result = recordOnSmallDisk(200, 40);
+    if (result.status == 77 || result.errors.empty())
+        GTEST_SKIP() << "There can be no disk of our own here";
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.errors, HasSubstr("Recording stopped: The disk is almost full"));
+    const auto folder = fs::directory_iterator(m_home / "kept")->path();
+    const Project project = loadProject(folder);
+    ASSERT_THAT(project.clips, SizeIs(1));
+    EXPECT_NEAR(test::probeEnd(folder / project.clips[0].file, "v:0"), project.clips[0].duration, 0.05);
+}
+
+TEST_F(ProgramTest, aFullDiskIsToldBeforeAnythingIsLost)
+{
+    const test::XServer screen(640, 360);
+    const Result result = recordOnSmallDisk(100, 0);
+    if (result.status == 77 || result.errors.empty())
+        GTEST_SKIP() << "There can be no disk of our own here";
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.errors, HasSubstr("Could not start recording: The disk is full: "));
+    EXPECT_TRUE(fs::is_empty(m_home / "kept"));
 }
 
 TEST_F(ProgramTest, anInterruptedRecordingKeepsItsClip)
