@@ -14,11 +14,6 @@ namespace vantry {
 
 namespace {
 
-struct Exchange {
-    QPromise<HttpAnswer> promise;
-    bool isTooLarge = false;
-};
-
 /// Whether no whole answer came. Of the errors, most only say the status in other words.
 bool isBroken(QNetworkReply::NetworkError error, int status)
 {
@@ -34,42 +29,42 @@ std::string whyBroken(const QNetworkReply& reply)
 }
 
 /// Throws when there is none.
-HttpAnswer answerOf(QNetworkReply& reply)
+HttpAnswer answerOf(QNetworkReply& reply, qint64 limit)
 {
+    if (reply.bytesAvailable() > limit)
+        throw AppError("The server's answer is larger than " + std::to_string(limit >> 20) + " MB.");
     const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     if (status == 0 || isBroken(reply.error(), status))
         throw AppError(whyBroken(reply));
     return { .status = status, .body = reply.readAll() };
 }
 
-void finish(Exchange& exchange, QNetworkReply& reply, qint64 limit)
+void finish(QPromise<HttpAnswer>& promise, QNetworkReply& reply, qint64 limit)
 {
-    try {
-        if (exchange.isTooLarge)
-            throw AppError("The server's answer is larger than " + std::to_string(limit >> 20) + " MB.");
-        exchange.promise.addResult(answerOf(reply));
-    } catch (...) {
-        exchange.promise.setException(std::current_exception());
-    }
-    exchange.promise.finish();
+    // Nothing more of it is wanted, though it may go on until then.
+    reply.disconnect();
     reply.deleteLater();
+    try {
+        promise.addResult(answerOf(reply, limit));
+    } catch (...) {
+        promise.setException(std::current_exception());
+    }
+    promise.finish();
 }
 
 } // namespace
 
 QFuture<HttpAnswer> post(QNetworkAccessManager& network, const QNetworkRequest& request, const QByteArray& body, qint64 limit)
 {
-    const auto exchange = std::make_shared<Exchange>();
-    exchange->promise.start();
+    const auto promise = std::make_shared<QPromise<HttpAnswer>>();
+    promise->start();
     QNetworkReply* reply = network.post(request, body);
-    QObject::connect(reply, &QNetworkReply::readyRead, reply, [exchange, reply, limit] {
-        if (reply->bytesAvailable() <= limit)
-            return;
-        exchange->isTooLarge = true;
-        reply->abort();
+    QObject::connect(reply, &QNetworkReply::readyRead, reply, [promise, reply, limit] {
+        if (reply->bytesAvailable() > limit)
+            finish(*promise, *reply, limit);
     });
-    QObject::connect(reply, &QNetworkReply::finished, reply, [exchange, reply, limit] { finish(*exchange, *reply, limit); });
-    return exchange->promise.future();
+    QObject::connect(reply, &QNetworkReply::finished, reply, [promise, reply, limit] { finish(*promise, *reply, limit); });
+    return promise->future();
 }
 
 void abortAll(QNetworkAccessManager& network)
