@@ -17,7 +17,6 @@
 
 namespace vantry::AI {
 
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;

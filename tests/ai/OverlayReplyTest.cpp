@@ -8,7 +8,6 @@
 namespace vantry::AI {
 
 using testing::HasSubstr;
-using testing::Not;
 
 namespace {
 
