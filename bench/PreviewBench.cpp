@@ -175,6 +175,7 @@ void PreviewBench::measurePlayback()
     playToTheEnd();
     const double took = seconds(HostClock::now() - start);
     std::vector<double> delays;
+    delays.reserve(m_shown.size());
     for (const auto& shown : m_shown)
         delays.push_back(seconds(shown.at - start) - shown.time);
     const double usual = quantile(delays, 0.5);

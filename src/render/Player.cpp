@@ -57,7 +57,7 @@ void Player::clear()
     m_isSeeking = false;
     Q_EMIT itemChanged();
     setState(State::Empty);
-    setTime(0);
+    m_time = 0; // Which is no place where somebody went.
     show(Picture());
 }
 

@@ -39,9 +39,9 @@ public:
     void play();
     void pause();
 
-    /// Shows the frame at `time`, beyond the end the last one; a time that is negative or no number is 0. When seeks come faster than
-    /// frames can be made, what is shown on the way is near enough; the last one is exact. Goes on playing from there if it was.
-    /// Nothing happens without an item.
+    /// Shows the frame at `time`, beyond the end the last one; a time that is negative or no number is 0. When seeks come faster
+    /// than frames can be made, what is shown on the way is near enough; the last one is exact. Goes on playing from there if it
+    /// was. Nothing happens without an item.
     void seek(double time);
 
     State state() const { return m_state; }
@@ -60,7 +60,7 @@ public:
 
 Q_SIGNALS:
     void stateChanged();
-    void timeChanged(double seconds); ///< At each tenth of a second that is played, and whenever it was set.
+    void timeChanged(double seconds); ///< At each tenth of a second that is played, and whenever it was set; not when it is empty.
     void pictureChanged();
     void itemChanged();
     void failed(const QString& description); ///< Playback has stopped. Once for an item, and once more whenever it is played.
