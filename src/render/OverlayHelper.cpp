@@ -1,9 +1,8 @@
 #include "render/OverlayHelper.h"
 
 #include "base/AppError.h"
+#include "base/HelperProgram.h"
 #include "base/Log.h"
-
-#include <QCoreApplication>
 
 #include <algorithm>
 #include <array>
@@ -16,7 +15,6 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
-#include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -64,34 +62,9 @@ const char* describe(overlays::Outcome outcome)
 
 } // namespace
 
-WakeUp::WakeUp()
-    : m_descriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
-{
-    if (m_descriptor < 0)
-        fail("No event", errno);
-}
-
-WakeUp::~WakeUp()
-{
-    close(m_descriptor);
-}
-
-void WakeUp::call() const
-{
-    eventfd_write(m_descriptor, 1);
-}
-
-bool WakeUp::wasCalled() const
-{
-    pollfd file{ m_descriptor, POLLIN, 0 };
-    return poll(&file, 1, 0) > 0;
-}
-
 fs::path OverlayHelper::program()
 {
-    const auto beside = fs::path(QCoreApplication::applicationDirPath().toStdString()) / "vantry-overlays";
-    std::error_code ignored;
-    return fs::exists(beside, ignored) ? beside : fs::path(VANTRY_OVERLAYS_PROGRAM);
+    return helperProgram("vantry-overlays", VANTRY_OVERLAYS_PROGRAM);
 }
 
 OverlayHelper::OverlayHelper(const fs::path& program, const WakeUp& interrupt)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/OverlayProtocol.h"
+#include "base/WakeUp.h"
 #include "render/Bitmap.h"
 
 #include <chrono>
@@ -11,24 +12,6 @@
 #include <sys/types.h>
 
 namespace vantry {
-
-/// An event that every thread can wait for together with a file.
-class WakeUp {
-public:
-    WakeUp();
-    ~WakeUp();
-
-    WakeUp(const WakeUp&) = delete;
-    WakeUp& operator=(const WakeUp&) = delete;
-
-    /// From any thread. It stays called.
-    void call() const;
-    bool wasCalled() const;
-    int descriptor() const { return m_descriptor; }
-
-private:
-    const int m_descriptor;
-};
 
 /// A running helper program. What goes wrong is an AppError; the helper is of no use any more then. One thread at a time, which
 /// must live on: the helper ends with the thread that started it. Destroying it ends the helper.
