@@ -8,6 +8,7 @@ namespace vantry {
 Q_DECLARE_LOGGING_CATEGORY(logMedia)
 Q_DECLARE_LOGGING_CATEGORY(logCapture)
 Q_DECLARE_LOGGING_CATEGORY(logRender)
+Q_DECLARE_LOGGING_CATEGORY(logTranscribe)
 Q_DECLARE_LOGGING_CATEGORY(logModel)
 
 } // namespace vantry

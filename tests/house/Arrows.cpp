@@ -32,6 +32,7 @@ const std::map<std::string, Rooms> arrows{
     { "app", all },
     { "selftest", all },
     { "overlayhelper", { "base" } },
+    { "speechhelper", { "transcribe", "media", "project", "base" } },
 };
 
 const Rooms withoutInterface{ "base", "project", "media", "platform", "capture", "render", "transcribe", "ai" };

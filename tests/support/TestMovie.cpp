@@ -91,12 +91,24 @@ private:
         const int first = frame * frames;
         Sound piece{ .channels = channels, .samples = {} };
         for (int i = first; i < first + frames; ++i) {
-            const auto click = m_movie.click ? std::lround(*m_movie.click * sampleRate) : -100;
-            const double value =
-                i >= click && i < click + 8 ? 0.9 : m_movie.tone * std::sin(i * pitch * 2 * std::numbers::pi / sampleRate);
-            piece.samples.insert(piece.samples.end(), static_cast<std::size_t>(channels), static_cast<float>(value));
+            const bool isVoice = kind == TrackKind::audio && !m_movie.voice.empty();
+            piece.samples.insert(piece.samples.end(), static_cast<std::size_t>(channels), isVoice ? voice(i) : tone(i, pitch));
         }
         m_writer.append(SoundSample{ std::move(piece), start + std::chrono::round<HostDuration>(SampleCount(first)) }, kind);
+    }
+
+    float tone(int i, double pitch) const
+    {
+        const auto click = m_movie.click ? std::lround(*m_movie.click * sampleRate) : -100;
+        const double value =
+            i >= click && i < click + 8 ? 0.9 : m_movie.tone * std::sin(i * pitch * 2 * std::numbers::pi / sampleRate);
+        return static_cast<float>(value);
+    }
+
+    float voice(int i) const
+    {
+        const auto index = static_cast<std::size_t>(i);
+        return index < m_movie.voice.size() ? m_movie.voice[index] : 0;
     }
 
     ClipWriter& m_writer;

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <vector>
 
 namespace vantry::test {
 
@@ -19,6 +20,7 @@ struct TestMovie {
         flash{}; ///< All picture tracks are bright for one frame; a multiple of 1/30 s. Otherwise they are dark with a moving bar.
     std::optional<double> click{}; ///< Both sounds click: eight samples close to full scale in an otherwise quiet tone.
     std::optional<Activity> activity{}; ///< The screen shows this instead of the moving bar.
+    std::vector<float> voice{}; ///< The microphone hears this instead, and then nothing.
     double tone = 0.1; ///< Loudness of the tone: 440 Hz in the microphone, 660 Hz in the system sound.
 };
 

@@ -1,0 +1,176 @@
+#include "transcribe/ModelDownload.h"
+
+#include "base/AppError.h"
+#include "transcribe/PartialFile.h"
+
+#include <QEventLoop>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QUrl>
+
+#include <exception>
+#include <memory>
+#include <optional>
+#include <utility>
+
+namespace vantry {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int ok = 200;
+constexpr int partialContent = 206;
+constexpr int rangeNotSatisfiable = 416;
+
+/// A connection that breaks off is taken up again this often.
+constexpr int mostRequests = 5;
+
+/// One request for what is missing, and what comes of it.
+class Request {
+public:
+    Request(const ModelDownload& download, PartialFile& part)
+        : m_download(download)
+        , m_part(part)
+        , m_start(part.size())
+    {
+    }
+
+    /// Until the reply has ended, well or not.
+    void run(const std::stop_token& cancel);
+
+    /// There was no way to the server.
+    bool wasUnreachable() const { return !m_status && m_error != QNetworkReply::SslHandshakeFailedError; }
+
+    /// The server has less than there is already.
+    bool wasBeyondTheEnd() const { return m_status == rangeNotSatisfiable; }
+
+    /// What went wrong, in the network's words.
+    [[noreturn]] void fail() const { throw AppError("The speech model could not be downloaded: " + m_problem.toStdString()); }
+
+private:
+    QNetworkRequest request() const;
+    void begin(const QNetworkReply& reply);
+    void take(QNetworkReply& reply);
+
+    template <typename Step>
+    void attempt(QNetworkReply& reply, Step step);
+
+    const ModelDownload& m_download;
+    PartialFile& m_part;
+    const std::int64_t m_start;
+    std::optional<int> m_status;
+    QNetworkReply::NetworkError m_error = QNetworkReply::NoError;
+    QString m_problem;
+    std::exception_ptr m_failure;
+    int m_percent = -1;
+};
+
+QNetworkRequest Request::request() const
+{
+    QNetworkRequest request(QUrl(QString::fromStdString(m_download.source + m_download.model.file)));
+    request.setTransferTimeout(static_cast<int>(m_download.patience.count()));
+    // As they are: packed bytes could not be counted.
+    request.setRawHeader("Accept-Encoding", "identity");
+    if (m_start > 0)
+        request.setRawHeader("Range", "bytes=" + QByteArray::number(static_cast<qlonglong>(m_start)) + "-");
+    return request;
+}
+
+void Request::run(const std::stop_token& cancel)
+{
+    QNetworkAccessManager network;
+    QEventLoop loop;
+    const std::unique_ptr<QNetworkReply> reply(network.get(request()));
+    QObject::connect(reply.get(), &QNetworkReply::metaDataChanged, &loop, [&] { attempt(*reply, [&] { begin(*reply); }); });
+    QObject::connect(reply.get(), &QNetworkReply::readyRead, &loop, [&] { attempt(*reply, [&] { take(*reply); }); });
+    QObject::connect(reply.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
+    const std::stop_callback onCancel(
+        cancel, [&reply] { QMetaObject::invokeMethod(reply.get(), &QNetworkReply::abort, Qt::QueuedConnection); });
+    if (!reply->isFinished())
+        loop.exec();
+    if (m_failure)
+        std::rethrow_exception(m_failure);
+    if (reply->bytesAvailable() > 0)
+        take(*reply);
+    m_error = reply->error();
+    m_problem = reply->errorString();
+    if (const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute); status.isValid())
+        m_status = status.toInt();
+}
+
+/// What goes wrong ends the reply: nothing may be thrown from within its signals.
+template <typename Step>
+void Request::attempt(QNetworkReply& reply, Step step)
+{
+    try {
+        step();
+    } catch (...) {
+        m_failure = std::current_exception();
+        reply.abort();
+    }
+}
+
+/// Stores what has arrived.
+void Request::take(QNetworkReply& reply)
+{
+    const QByteArray bytes = reply.readAll();
+    if (m_status != ok && m_status != partialContent)
+        return;
+    if (m_part.size() + bytes.size() > m_download.model.bytes) {
+        m_part.truncate(0);
+        throw AppError("The server's speech model is not the published one");
+    }
+    m_part.append(bytes);
+    const double fraction = static_cast<double>(m_part.size()) / static_cast<double>(m_download.model.bytes);
+    const int percent = static_cast<int>(100 * fraction);
+    if (m_download.onProgress && percent != std::exchange(m_percent, percent))
+        m_download.onProgress(fraction);
+}
+
+/// Where what follows belongs. The network library asks again by itself when a connection breaks off early, and then this comes
+/// once more.
+void Request::begin(const QNetworkReply& reply)
+{
+    m_status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    const QByteArray range = "bytes " + QByteArray::number(static_cast<qlonglong>(m_start)) + "-";
+    // A server that knows no ranges begins at the beginning.
+    if (m_status == ok)
+        m_part.truncate(0);
+    else if (m_status == partialContent && reply.rawHeader("Content-Range").startsWith(range))
+        m_part.truncate(m_start);
+    else if (m_status == partialContent)
+        throw AppError("The server sent another part of the speech model");
+}
+
+} // namespace
+
+Fetched fetch(const ModelDownload& download, const std::stop_token& cancel)
+{
+    PartialFile part(download.folder / download.model.file);
+    if (part.size() > download.model.bytes)
+        part.truncate(0);
+    for (int requests = 1; part.size() < download.model.bytes; ++requests) {
+        const auto before = part.size();
+        Request request(download, part);
+        request.run(cancel);
+        if (cancel.stop_requested())
+            return Fetched::Cancelled;
+        if (request.wasUnreachable())
+            return Fetched::Unreachable;
+        if (request.wasBeyondTheEnd())
+            part.truncate(0);
+        else if (part.size() <= before)
+            request.fail();
+        if (requests == mostRequests && part.size() < download.model.bytes)
+            request.fail();
+    }
+    if (part.sha256() != download.model.sha256) {
+        part.truncate(0);
+        throw AppError("The speech model was damaged on the way");
+    }
+    part.moveIntoPlace();
+    return Fetched::Complete;
+}
+
+} // namespace vantry

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "transcribe/SpeechEngine.h"
+
+namespace vantry {
+
+/// PocketSphinx with the English model of the distribution: always here, and fast, but it mishears more.
+class SphinxEngine final : public SpeechEngine {
+public:
+    bool supports(const std::string& language) const override { return language == "en"; }
+    std::optional<SpeechModel> missingModel() const override { return std::nullopt; }
+    std::vector<std::string> command(const std::string& /*language*/) const override { return { "sphinx" }; }
+};
+
+} // namespace vantry

@@ -1,0 +1,143 @@
+#include "transcribe/Transcriber.h"
+
+#include "base/AppError.h"
+#include "base/Log.h"
+#include "media/AudioReader.h"
+#include "transcribe/ModelDownload.h"
+#include "transcribe/PhraseFinder.h"
+#include "transcribe/SpeechFile.h"
+#include "transcribe/SphinxEngine.h"
+#include "transcribe/WhisperEngine.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace vantry {
+
+namespace {
+
+/// The first that is not the sound of other applications.
+std::optional<int> microphoneTrack(const std::filesystem::path& movie)
+{
+    for (const TrackInfo& track : readTracks(movie))
+        if (track.media == TrackMedia::Audio && track.channels != 2)
+            return track.index;
+    return std::nullopt;
+}
+
+std::string trimmed(const std::string& text)
+{
+    constexpr auto blanks = " \t\r\n\v\f";
+    const auto first = text.find_first_not_of(blanks);
+    return first == std::string::npos ? std::string() : text.substr(first, text.find_last_not_of(blanks) + 1 - first);
+}
+
+/// Without blanks around texts, and without lines of nothing else.
+std::vector<Line> tidied(std::vector<Line> lines)
+{
+    for (Line& line : lines) {
+        line.text = trimmed(line.text);
+        line.end = std::max(line.start, line.end);
+    }
+    std::erase_if(lines, [](const Line& line) { return line.text.empty(); });
+    return lines;
+}
+
+[[noreturn]] void failOf(const std::string& locale)
+{
+    throw AppError("On-device transcription doesn't support “" + locale + "”. Pick another language in Settings.");
+}
+
+} // namespace
+
+void decodeSpeech(const std::filesystem::path& movie, int track, SpeechFile& speech, const std::stop_token& cancel)
+{
+    AudioReader reader(movie, track, 1);
+    while (const auto sound = reader.next()) {
+        if (cancel.stop_requested())
+            return;
+        speech.write(std::chrono::round<SampleCount>(sound->time), sound->sound.samples);
+    }
+}
+
+Transcriber::Transcriber(Options options, OnFetching onFetching)
+    : m_options(std::move(options))
+    , m_onFetching(std::move(onFetching))
+{
+    m_engines.push_back(
+        std::make_unique<WhisperEngine>(m_options.models, m_options.model.value_or(speechModel(SpeechModelSize::base))));
+    m_engines.push_back(std::make_unique<SphinxEngine>());
+}
+
+Transcriber::~Transcriber() = default;
+
+std::optional<std::vector<Line>> Transcriber::transcribe(
+    const std::filesystem::path& movie, const std::string& locale, const std::stop_token& cancel)
+{
+    const auto track = microphoneTrack(movie);
+    if (!track)
+        return std::vector<Line>();
+    SpeechFile speech;
+    decodeSpeech(movie, *track, speech, cancel);
+    const std::string language = languageOf(locale);
+    if (std::ranges::none_of(m_engines, [&](const auto& engine) { return engine->supports(language); }))
+        failOf(locale);
+    const bool isSpoken = !findPhrases(speech, cancel).empty();
+    if (cancel.stop_requested())
+        return std::nullopt;
+    if (!isSpoken)
+        return std::vector<Line>();
+    const SpeechEngine* engine = chooseEngine(locale, cancel);
+    if (!engine)
+        return std::nullopt;
+    auto lines = m_options.helper.recognise(engine->command(language), speech, cancel);
+    if (!lines)
+        return std::nullopt;
+    return tidied(*std::move(lines));
+}
+
+/// One that can start; nothing when cancelled.
+const SpeechEngine* Transcriber::chooseEngine(const std::string& locale, const std::stop_token& cancel)
+{
+    const std::string language = languageOf(locale);
+    for (auto engine = m_engines.begin(); engine != m_engines.end();) {
+        if (!(*engine)->supports(language)) {
+            ++engine;
+            continue;
+        }
+        const auto missing = (*engine)->missingModel();
+        if (!missing || fetchModel(*missing, cancel))
+            return engine->get();
+        if (cancel.stop_requested())
+            return nullptr;
+        engine = m_engines.erase(engine);
+    }
+    if (!m_problem.empty())
+        throw AppError(m_problem);
+    failOf(locale);
+}
+
+/// Whether it is here now. Why it is not is kept, unless there is just no network.
+bool Transcriber::fetchModel(const SpeechModel& model, const std::stop_token& cancel)
+{
+    const auto tell = [&](std::optional<double> fraction) {
+        if (m_onFetching)
+            m_onFetching(fraction);
+    };
+    Fetched fetched = Fetched::Unreachable;
+    try {
+        fetched = fetch({ .model = model,
+                            .folder = m_options.models,
+                            .source = m_options.source,
+                            .patience = m_options.patience,
+                            .onProgress = tell },
+            cancel);
+    } catch (const std::exception& error) {
+        m_problem = error.what();
+        qCWarning(logTranscribe) << error.what();
+    }
+    tell(std::nullopt);
+    return fetched == Fetched::Complete;
+}
+
+} // namespace vantry
