@@ -22,7 +22,8 @@ namespace {
 int runWithoutWindow(int& argc, char** argv, const CommandLine& line)
 {
     const QCoreApplication application(argc, argv);
-    AppModel model(AppModel::Options{});
+    // An export shows nothing of what is said, and wants the processor.
+    AppModel model({ .transcribe = Transcribe::OnRequest });
     HeadlessRun run(model, line);
     const UnixSignals signals;
     QObject::connect(&signals, &UnixSignals::caught, &run, &HeadlessRun::interrupt);

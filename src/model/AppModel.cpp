@@ -14,6 +14,7 @@
 #include "model/Paths.h"
 #include "model/PreviewFlow.h"
 #include "model/RecordingFlow.h"
+#include "model/TranscriptionFlow.h"
 #include "model/VideoFiles.h"
 #include "model/YouTubeFlow.h"
 #include "project/ProjectFile.h"
@@ -32,12 +33,14 @@ namespace fs = std::filesystem;
 AppModel::AppModel(Options options)
     : m_storage(std::move(options.root))
     , m_settings(options.settingsFile)
+    , m_transcribe(options.transcribe)
     , m_recorder(std::make_unique<Recorder>())
     , m_devices(std::make_unique<CaptureDevices>(*this, *m_recorder))
     , m_recording(std::make_unique<RecordingFlow>(*this, *m_recorder, *m_devices))
     , m_overlayPictures(std::make_unique<OverlayPictures>())
     , m_preview(std::make_unique<PreviewFlow>(*this))
     , m_export(std::make_unique<ExportFlow>(*this, std::move(options.reveal)))
+    , m_transcription(std::make_unique<TranscriptionFlow>(*this, std::move(options.speech)))
     , m_editing(std::make_unique<EditingCommands>(*this, *m_recorder))
     , m_ai(std::make_unique<AI::Client>(
           [this] {
@@ -45,7 +48,7 @@ AppModel::AppModel(Options options)
           },
           std::move(options.ai)))
     , m_aiOverlay(std::make_unique<OverlayFlow>(*this, *m_ai))
-    , m_youTube(std::make_unique<YouTubeFlow>(*this, *m_ai, []() -> QCoro::Task<> { co_return; }))
+    , m_youTube(std::make_unique<YouTubeFlow>(*this, *m_ai, [this] { return transcribeAll(); }))
 {
     connect(this, &AppModel::projectChanged, this, &AppModel::liveLayoutChanged);
     connect(&m_settings, &Settings::setupLayoutChanged, this, &AppModel::liveLayoutChanged);
@@ -69,6 +72,7 @@ void AppModel::open(const fs::path& folder)
     setPendingSeek(0);
     setPhase(Phase::editing());
     countRevisionUp();
+    transcribeMissing();
 }
 
 void AppModel::open(const QString& folder)
@@ -253,6 +257,22 @@ bool AppModel::isTaken(const QUrl& file) const
     return vantry::isTaken(file);
 }
 
+QCoro::Task<> AppModel::transcribeAll()
+{
+    return m_transcription->transcribeAll();
+}
+
+void AppModel::transcribeMissing()
+{
+    if (m_transcribe == Transcribe::ByItself)
+        m_transcription->transcribeMissing();
+}
+
+bool AppModel::transcribing() const
+{
+    return m_transcription->isRunning();
+}
+
 void AppModel::quit()
 {
     launch(finishAndQuit(), [this](const QString&) { Q_EMIT readyToQuit(); });
@@ -262,7 +282,10 @@ QCoro::Task<> AppModel::finishAndQuit()
 {
     const QPointer<AppModel> self(this);
     m_export->cancel();
+    m_transcription->cancel();
     co_await m_export->ended();
+    if (self)
+        co_await m_transcription->ended();
     if (self)
         m_recording->cancelStart();
     while (self && m_phase.isCountdown())

@@ -9,6 +9,7 @@
 #include "platform/Displays.h"
 #include "project/Project.h"
 #include "render/RenderInstruction.h"
+#include "transcribe/Transcriber.h"
 
 #include <QCoroTask>
 #include <QObject>
@@ -35,6 +36,7 @@ class OverlayPictures;
 class PreviewFlow;
 class Recorder;
 class RecordingFlow;
+class TranscriptionFlow;
 class YouTubeFlow;
 
 namespace AI {
@@ -43,6 +45,9 @@ class Client;
 
 /// Whether an edit changes what the preview shows.
 enum class Rebuild { No, Yes };
+
+/// Whether clips are transcribed when they are there, or only when that is asked for.
+enum class Transcribe { ByItself, OnRequest };
 
 /// The one face that the views see: where the application is, the open project, and the commands. Every change to the project goes
 /// through `edit`. Belongs to the main thread; a write of the value that is already held notifies nobody.
@@ -75,6 +80,8 @@ public:
         std::filesystem::path settingsFile = Settings::defaultFile();
         /// Shows a finished export to the user, where there is something to show it in.
         std::function<void(const std::filesystem::path&)> reveal;
+        Transcribe transcribe = Transcribe::ByItself;
+        Transcriber::Options speech{};
         AI::Options ai{};
     };
 
@@ -124,6 +131,7 @@ public:
     Recorder& recorder() { return *m_recorder; }
     RecordingFlow& recording() { return *m_recording; }
     ExportFlow& exporting() { return *m_export; }
+    TranscriptionFlow& transcription() { return *m_transcription; }
 
     // Storage.
     const std::filesystem::path& root() const { return m_storage.root(); }
@@ -211,6 +219,16 @@ public:
     /// Whether exporting to this file would replace something.
     Q_INVOKABLE bool isTaken(const QUrl& file) const;
 
+    // Transcribing.
+
+    /// Gives every clip of the project its transcript and waits for that; what goes wrong stands in the status. While that is under
+    /// way already, it waits for its end only.
+    QCoro::Task<> transcribeAll();
+
+    /// Starts the same, if the model transcribes by itself. A run that is under way comes first.
+    void transcribeMissing();
+    bool transcribing() const;
+
     /// Finishes what must not be lost and then says `readyToQuit`.
     Q_INVOKABLE void quit();
 
@@ -262,6 +280,7 @@ private:
 
     ProjectStorage m_storage;
     Settings m_settings;
+    const Transcribe m_transcribe;
 
     Phase m_phase;
     std::optional<Project> m_project;
@@ -281,6 +300,7 @@ private:
     std::unique_ptr<OverlayPictures> m_overlayPictures;
     std::unique_ptr<PreviewFlow> m_preview;
     std::unique_ptr<ExportFlow> m_export;
+    std::unique_ptr<TranscriptionFlow> m_transcription;
     std::unique_ptr<EditingCommands> m_editing;
     std::unique_ptr<AI::Client> m_ai;
     std::unique_ptr<OverlayFlow> m_aiOverlay;

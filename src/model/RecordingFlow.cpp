@@ -295,6 +295,7 @@ QCoro::Task<> RecordingFlow::stopAndReview(double back)
     m_model.setPendingSeek(std::max(keptLength() - back, 0.0));
     m_model.setPhase(Phase::editing());
     m_model.countRevisionUp();
+    m_model.transcribeMissing();
 }
 
 double RecordingFlow::keptLength() const

@@ -87,6 +87,8 @@ Settings::Settings(const std::filesystem::path& file)
     , m_setupCrop(parseCrop(m_file.value("crop").toStringList().join(", "_L1)))
     , m_model(m_file.value("model", AI::defaultModel).toString())
     , m_tokensPath(m_file.value("tokensPath", AI::defaultTokensPath).toString())
+    , m_speechLocale(m_file.value("speechLocale", u"en-US"_s).toString())
+    , m_speechModel(named(m_file.value("speechModel"), SpeechModelSize::base))
 {
 }
 
@@ -172,6 +174,20 @@ void Settings::setTokensPath(const QString& value)
     m_file.setValue("tokensPath", value);
     if (changeTo(m_tokensPath, value))
         Q_EMIT tokensPathChanged();
+}
+
+void Settings::setSpeechLocale(const QString& value)
+{
+    m_file.setValue("speechLocale", value);
+    if (changeTo(m_speechLocale, value))
+        Q_EMIT speechLocaleChanged();
+}
+
+void Settings::setSpeechModel(SpeechModelSize value)
+{
+    m_file.setValue("speechModel", nameText(value));
+    if (changeTo(m_speechModel, value))
+        Q_EMIT speechModelChanged();
 }
 
 } // namespace vantry

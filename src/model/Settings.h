@@ -4,6 +4,7 @@
 #include <QObject>
 
 #include "project/Project.h"
+#include "transcribe/SpeechModel.h"
 
 #include <QSettings>
 #include <QString>
@@ -27,6 +28,7 @@ class Settings : public QObject {
     Q_PROPERTY(bool setupBlur READ setupBlur WRITE setSetupBlur NOTIFY setupBlurChanged)
     Q_PROPERTY(QString model READ model WRITE setModel NOTIFY modelChanged)
     Q_PROPERTY(QString tokensPath READ tokensPath WRITE setTokensPath NOTIFY tokensPathChanged)
+    Q_PROPERTY(QString speechLocale READ speechLocale WRITE setSpeechLocale NOTIFY speechLocaleChanged)
 
 public:
     explicit Settings(const std::filesystem::path& file);
@@ -54,6 +56,9 @@ public:
     /// The AI model that is asked, and a file that may hold the key for it. Empty counts as the default.
     QString model() const { return m_model; }
     QString tokensPath() const { return m_tokensPath; }
+    /// The locale of what is said, such as "nb-NO".
+    QString speechLocale() const { return m_speechLocale; }
+    SpeechModelSize speechModel() const { return m_speechModel; }
 
     void setDisplayID(std::uint32_t value);
     void setCameraID(const QString& value);
@@ -67,6 +72,8 @@ public:
     void setSetupCrop(const std::optional<CropRect>& value);
     void setModel(const QString& value);
     void setTokensPath(const QString& value);
+    void setSpeechLocale(const QString& value);
+    void setSpeechModel(SpeechModelSize value);
 
 Q_SIGNALS:
     void displayIDChanged();
@@ -81,6 +88,8 @@ Q_SIGNALS:
     void setupCropChanged();
     void modelChanged();
     void tokensPathChanged();
+    void speechLocaleChanged();
+    void speechModelChanged();
 
 private:
     QSettings m_file;
@@ -96,6 +105,8 @@ private:
     std::optional<CropRect> m_setupCrop;
     QString m_model;
     QString m_tokensPath;
+    QString m_speechLocale;
+    SpeechModelSize m_speechModel;
 };
 
 } // namespace vantry

@@ -62,6 +62,8 @@ protected:
     std::unique_ptr<AppModel> m_model = std::make_unique<AppModel>(AppModel::Options{
         .root = m_root,
         .settingsFile = m_folder / "settings.ini",
+        .transcribe = Transcribe::OnRequest,
+        .speech = withoutSpeechModel(),
         .ai = { .host = m_server.url(), .keychain = { .service = QString::fromStdString(test::uniqueName("test.vantry")) } },
     });
 };

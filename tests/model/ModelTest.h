@@ -26,6 +26,9 @@ protected:
         return folder;
     }
 
+    /// Neither a model for speech nor a way to one.
+    Transcriber::Options withoutSpeechModel() const { return { .models = m_folder / "models", .source = "http://127.0.0.1:1/" }; }
+
     const TemporaryFolder m_folder;
     const std::filesystem::path m_root = m_folder / "Videos/Vantry";
 };
@@ -33,13 +36,21 @@ protected:
 /// The same with a model that has settings of its own.
 class ModelTest : public ProjectsTest {
 protected:
+    explicit ModelTest(Transcribe transcribe = Transcribe::OnRequest)
+        : m_transcribe(transcribe)
+    {
+    }
+
     std::string alert() const { return m_model.alert().value_or(QString()).toStdString(); }
 
+    const Transcribe m_transcribe;
     std::vector<std::filesystem::path> m_revealed;
     AppModel m_model{ {
         .root = m_root,
         .settingsFile = m_folder / "settings.ini",
         .reveal = [this](const std::filesystem::path& file) { m_revealed.push_back(file); },
+        .transcribe = m_transcribe,
+        .speech = withoutSpeechModel(),
     } };
 };
 

@@ -33,7 +33,8 @@ QByteArray contents(const fs::path& file)
 /// Records a small screen of its own, with a media server that has no devices.
 class RecordingTest : public test::ModelTest {
 protected:
-    RecordingTest()
+    explicit RecordingTest(Transcribe transcribe = Transcribe::OnRequest)
+        : ModelTest(transcribe)
     {
         QObject::connect(&m_model, &AppModel::phaseChanged, &m_model, [this] { m_phases.push_back(m_model.phase()); });
         QCoro::waitFor(m_model.devices()->listDevices());
@@ -59,6 +60,14 @@ protected:
     test::MediaServer m_server;
     test::XServer m_screen{ 320, 240 };
     std::vector<Phase> m_phases;
+};
+
+class TranscribedRecordingTest : public RecordingTest {
+protected:
+    TranscribedRecordingTest()
+        : RecordingTest(Transcribe::ByItself)
+    {
+    }
 };
 
 } // namespace
@@ -113,6 +122,12 @@ TEST_F(RecordingTest, aRetakeTakesThePlaceOfWhatWasCutOff)
     EXPECT_THAT(clipJoins(saved), ElementsAre(0.5));
     EXPECT_TRUE(fs::exists(*m_model.folder() / saved.clips[1].file));
     EXPECT_NE(saved.clips[0].file, saved.clips[1].file);
+}
+
+TEST_F(TranscribedRecordingTest, aRecordingIsTranscribedWhenItHasEnded)
+{
+    recordASecond();
+    EXPECT_TRUE(pumpUntil([&] { return m_model.project()->clips.at(0).transcript == std::vector<Line>(); }));
 }
 
 TEST_F(RecordingTest, aKeySwitchesTheLayoutWhenItIsPressed)

@@ -1,48 +1,43 @@
 #include "support/ModelServer.h"
 
-#include <QRegularExpression>
 #include <QTimer>
-
-#include <stdexcept>
 
 namespace vantry::test {
 
+namespace {
+
+/// The first byte of "bytes=5-".
+qsizetype firstByte(const QByteArray& range)
+{
+    return range.mid(range.indexOf('=') + 1).chopped(range.isEmpty() ? 0 : 1).toLongLong();
+}
+
+} // namespace
+
 ModelServer::ModelServer(Answer answer)
     : m_answer(std::move(answer))
+    , m_server([this](QTcpSocket& connection, const HttpRequest& request) { serve(connection, request); })
 {
-    QObject::connect(&m_server, &QTcpServer::newConnection, &m_server, [this] {
-        QTcpSocket* connection = m_server.nextPendingConnection();
-        QObject::connect(connection, &QTcpSocket::readyRead, connection, [this, connection] { serve(*connection); });
-        QObject::connect(connection, &QTcpSocket::disconnected, connection, &QObject::deleteLater);
-    });
-    if (!m_server.listen(QHostAddress::LocalHost))
-        throw std::runtime_error("No local server");
 }
 
 std::string ModelServer::source() const
 {
-    return "http://127.0.0.1:" + std::to_string(m_server.serverPort()) + "/models/";
+    return m_server.url().toString().toStdString() + "/models/";
 }
 
 ModelServer::Reply ModelServer::rest(const QByteArray& file, qsizetype from)
 {
     if (from == 0)
         return whole(file);
-    const QByteArray range =
-        QByteArray::number(from) + "-" + QByteArray::number(file.size() - 1) + "/" + QByteArray::number(file.size());
-    return { .status = 206, .body = file.mid(from), .contentRange = "bytes " + range };
+    const QByteArray last = QByteArray::number(file.size() - 1);
+    return { .status = 206,
+        .body = file.mid(from),
+        .contentRange = "bytes " + QByteArray::number(from) + "-" + last + "/" + QByteArray::number(file.size()) };
 }
 
-/// Requests without a body, one for each connection.
-void ModelServer::serve(QTcpSocket& connection)
+void ModelServer::serve(QTcpSocket& connection, const HttpRequest& request)
 {
-    const QByteArray heard = connection.peek(1 << 16);
-    if (!heard.contains("\r\n\r\n"))
-        return;
-    connection.readAll();
-    static const QRegularExpression pattern(QStringLiteral("\r\nRange: bytes=(\\d+)-\r\n"));
-    const auto range = pattern.match(QString::fromLatin1(heard));
-    m_requests.push_back(range.hasMatch() ? range.captured(1).toLongLong() : 0);
+    m_requests.push_back(firstByte(request.headers.value("range")));
     const Reply reply = m_answer(m_requests.back());
     if (reply.isSilent)
         return;

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "support/HttpServer.h"
+
 #include <QByteArray>
-#include <QTcpServer>
-#include <QTcpSocket>
 
 #include <functional>
 #include <string>
@@ -10,8 +10,7 @@
 
 namespace vantry::test {
 
-/// A web server on this machine that holds one file and lets the test say how it gives it out. It works while the event loop of
-/// its thread runs.
+/// A server on this machine that holds one file and lets the test say how it gives it out.
 class ModelServer {
 public:
     struct Reply {
@@ -40,11 +39,11 @@ public:
     static Reply rest(const QByteArray& file, qsizetype from);
 
 private:
-    void serve(QTcpSocket& connection);
+    void serve(QTcpSocket& connection, const HttpRequest& request);
 
     const Answer m_answer;
     std::vector<qsizetype> m_requests;
-    QTcpServer m_server;
+    const HttpServer m_server;
 };
 
 } // namespace vantry::test
