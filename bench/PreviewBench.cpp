@@ -26,6 +26,7 @@ using namespace std::chrono_literals;
 constexpr int length = 60; // seconds
 constexpr int seeks = 200;
 constexpr int rebuilds = 40;
+constexpr int starts = 20;
 constexpr auto mouseInterval = 16ms;
 constexpr double dragSeconds = 5;
 
@@ -59,6 +60,7 @@ public:
         measureSeeks();
         measureRebuilds();
         measureScrubbing();
+        measureStarts();
         measurePlayback();
         measureOffset();
     }
@@ -97,6 +99,7 @@ private:
     void measureSeeks();
     void measureRebuilds();
     void measureScrubbing();
+    void measureStarts();
     void measurePlayback();
     void measureOffset();
 
@@ -163,6 +166,25 @@ void PreviewBench::measureScrubbing()
     mouse.start(mouseInterval);
     runUntil([&] { return HostClock::now() - start > std::chrono::duration<double>(2 * dragSeconds); });
     report("preview.scrub_fps", static_cast<double>(m_shown.size()) / (2 * dragSeconds), "frames/s");
+}
+
+/// From the command to the first frame after the one that is shown. The first time, the sound output is opened.
+void PreviewBench::measureStarts()
+{
+    std::vector<double> times;
+    for (int i = 0; i < starts; ++i) {
+        m_player.setItem(itemOf(m_project), 5 + i);
+        settle();
+        m_shown.clear();
+        const auto start = HostClock::now();
+        m_player.play();
+        runUntil([&] { return !m_shown.empty(); });
+        times.push_back(milliseconds(m_shown.front().at - start));
+        m_player.pause();
+        settle();
+    }
+    report("preview.first_start_ms", times.front(), "ms");
+    report("preview.start_ms", quantile({ times.begin() + 1, times.end() }, 0.5), "ms");
 }
 
 /// A frame that did not come at all is late, too.
