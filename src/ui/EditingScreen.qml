@@ -78,7 +78,7 @@ ColumnLayout {
 
     Item {
         Layout.alignment: Qt.AlignHCenter
-        Layout.bottomMargin: 44
+        Layout.bottomMargin: 40 // Below is the status.
         implicitWidth: Math.max(takes.implicitWidth, status.width)
         implicitHeight: takes.implicitHeight
 

@@ -2,8 +2,8 @@
 
 #include <QSGMaterialShader>
 
-#include <compare>
 #include <cstring>
+#include <functional>
 
 namespace vantry {
 
@@ -56,8 +56,9 @@ QSGMaterialShader* PlanesMaterial::createShader(QSGRendererInterface::RenderMode
 
 int PlanesMaterial::compare(const QSGMaterial* other) const
 {
-    const auto order = std::compare_three_way()(static_cast<const QSGMaterial*>(this), other);
-    return order < 0 ? -1 : order > 0 ? 1 : 0;
+    // Each has textures of its own.
+    const std::less<const QSGMaterial*> isBefore;
+    return isBefore(this, other) ? -1 : isBefore(other, this) ? 1 : 0;
 }
 
 } // namespace vantry

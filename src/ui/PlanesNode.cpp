@@ -13,7 +13,7 @@ namespace {
 
 /// How far from the middle two samples that are each smoothed over one lie apart so that together they cover the samples of one
 /// pixel: in samples, when there are `density` of them to a pixel. Sample by sample up to two, and no gap between them beyond.
-double spreadFor(double density)
+float spreadFor(float density)
 {
     return std::min((density - 1) / 2, density / 4);
 }
@@ -41,9 +41,10 @@ void PlanesNode::show(const Picture& picture, const QRectF& place, QSize pixels,
 {
     if (!(picture == m_uploaded))
         upload(picture, window);
-    const double across = spreadFor(double(picture.width()) / pixels.width());
-    const double down = spreadFor(double(picture.height()) / pixels.height());
-    m_material.spread = across > 0 && down > 0 ? QVector2D(across / picture.width(), down / picture.height()) : QVector2D();
+    const QVector2D size(static_cast<float>(picture.width()), static_cast<float>(picture.height()));
+    const QVector2D density = size / QVector2D(static_cast<float>(pixels.width()), static_cast<float>(pixels.height()));
+    const QVector2D spread(spreadFor(density.x()), spreadFor(density.y()));
+    m_material.spread = spread.x() > 0 && spread.y() > 0 ? spread / size : QVector2D();
     QSGGeometry::updateTexturedRectGeometry(&m_geometry, place, QRectF(0, 0, 1, 1));
     markDirty(DirtyGeometry | DirtyMaterial);
 }

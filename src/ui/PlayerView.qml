@@ -34,6 +34,8 @@ FocusScope {
         height: 9 * sixteenth
         color: "black"
 
+        TapHandler { onTapped: player.forceActiveFocus() }
+
         IconImage {
             anchors.centerIn: parent
             visible: player.preview.isEmpty

@@ -191,7 +191,7 @@ TEST_F(PreviewTest, thePlayheadFollowsPlayback)
     EXPECT_TRUE(m_preview.isPlaying());
     ASSERT_TRUE(pumpUntil([&] { return !m_preview.isPlaying(); }));
     EXPECT_EQ(m_model.playhead(), 2);
-    EXPECT_GE(times.size(), 10);
+    EXPECT_GE(times.size(), 3) << "ten a second where the machine keeps up";
     EXPECT_TRUE(std::ranges::is_sorted(times));
 }
 

@@ -13,13 +13,13 @@ constexpr std::uint8_t darkestOfBar = 67;
 
 } // namespace
 
-void writeTestProject(const std::filesystem::path& folder, double length)
+void writeTestProject(const std::filesystem::path& folder, double length, int times)
 {
     std::filesystem::create_directories(folder);
     writeTestMovie(folder / "clip-1.mov", { .duration = length });
-    const Project project{ .name = folder.filename().string(),
-        .clips = { { .file = "clip-1.mov", .duration = length, .keep = length } },
-        .layouts = { { 0, Layout::screen, Corner::bottomRight } } };
+    Project project{ .name = folder.filename().string(), .layouts = { { 0, Layout::screen, Corner::bottomRight } } };
+    for (int i = 0; i < times; ++i)
+        project.clips.push_back({ .file = "clip-1.mov", .duration = length, .keep = length });
     saveProject(project, folder);
 }
 

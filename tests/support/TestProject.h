@@ -6,9 +6,9 @@
 
 namespace vantry::test {
 
-/// Makes a project in `folder` of one clip, this many seconds long (at most 5), that shows only its screen. Which of its frames
-/// is seen can be told: a bar moves over it.
-void writeTestProject(const std::filesystem::path& folder, double length);
+/// Makes a project in `folder` of a clip of this many seconds (at most 5), played this many times, that shows only its screen.
+/// Which of the clip's frames is seen can be told: a bar moves over it.
+void writeTestProject(const std::filesystem::path& folder, double length, int times = 1);
 
 /// Where the bar begins in this frame, as a fraction of the picture's width.
 inline constexpr double barPlace(int frame)

@@ -48,7 +48,7 @@ TEST(BubblePanel, goesToANewPlaceSmoothlyWhileItIsSeen)
     widths.clear();
     window.setProperty("place", QRectF(400, 300, 200, 200));
     ASSERT_TRUE(pumpUntil([&] { return window.geometry() == QRect(400, 300, 200, 200); }));
-    EXPECT_GT(widths.size(), 3);
+    EXPECT_GT(widths.size(), 1) << "and not in one step";
 
     // What the camera sees is there with its next picture, and round.
     PictureBuffer orange(640, 360);

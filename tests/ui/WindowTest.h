@@ -43,7 +43,7 @@ protected:
     static bool holdsSoon(Condition condition)
     {
         using namespace std::chrono_literals;
-        const auto deadline = std::chrono::steady_clock::now() + 20s;
+        const auto deadline = std::chrono::steady_clock::now() + 60s;
         while (!condition()) {
             if (std::chrono::steady_clock::now() > deadline)
                 return false;
