@@ -4,11 +4,11 @@
 
 namespace vantry {
 
-/// The document in which a fragment stands: transparent, `cssWidth` wide, with a margin for shadows. It forbids everything that
-/// would come from outside, and nothing in it moves by itself.
-QString documentOf(const QString& fragment, double cssWidth);
+/// Our own document, empty and transparent, in which `stage.js` gives a fragment's document a frame.
+QString stage();
 
-/// A script that puts every animation where it is meant to be looked at: at its end, or at its start if it has none.
-QString freezingScript();
+/// The document in which a fragment stands: transparent, `cssWidth` wide, with a margin for shadows. Both documents forbid
+/// everything that would come from outside.
+QString documentOf(const QString& fragment, double cssWidth);
 
 } // namespace vantry

@@ -3,6 +3,9 @@
 #include "overlayhelper/Document.h"
 #include "overlayhelper/InertPage.h"
 
+#include <QColor>
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QVariant>
 
 #include <algorithm>
@@ -21,6 +24,12 @@ constexpr int markerHeight = 1; // CSS pixels
 QRgb markerColour(quint32 number)
 {
     return 0xff000000 | (number * 2654435761u >> 8);
+}
+
+/// As a script's literal, in brackets.
+QString quoted(const QString& text)
+{
+    return QString::fromUtf8(QJsonDocument(QJsonArray{ text }).toJson(QJsonDocument::Compact));
 }
 
 } // namespace
@@ -59,6 +68,7 @@ void FragmentRenderer::makePage()
         m_page.release()->deleteLater();
     }
     m_page = std::move(page);
+    m_isFresh = true;
 }
 
 void FragmentRenderer::start(std::function<void()> done)
@@ -79,61 +89,80 @@ void FragmentRenderer::render(const QString& fragment, double cssWidth, Done don
         return soon(&FragmentRenderer::refuse);
     m_marker = markerColour(m_number);
     m_cssWidth = cssWidth;
-    m_document = documentOf(fragment, cssWidth);
+    m_document = quoted(documentOf(fragment, cssWidth));
+    m_width = static_cast<int>(std::ceil(cssWidth));
+    m_height = 1;
     m_deadline.start();
-    // A document is never lower than its view.
-    m_view.resize(static_cast<int>(std::ceil(cssWidth)), 1);
-    load(&FragmentRenderer::measure);
+    m_afterLayout = &FragmentRenderer::measure;
+    if (m_isFresh)
+        load(&FragmentRenderer::show);
+    else
+        show();
 }
 
 void FragmentRenderer::load(Step next)
 {
     m_afterLoad = next;
-    m_page->show(m_document);
+    m_page->show(stage());
+    m_isFresh = false;
+}
+
+void FragmentRenderer::show()
+{
+    awaitLayout(QStringLiteral("show(...%1,%2,%3)").arg(m_document, QString::number(m_width), QString::number(m_height)));
+}
+
+void FragmentRenderer::lookWhetherReady()
+{
+    awaitLayout(QStringLiteral("isReady()"));
+}
+
+void FragmentRenderer::awaitLayout(const QString& script)
+{
+    ask(script, [this](const QVariant& isReady) {
+        if (isReady.toBool())
+            (this->*m_afterLayout)();
+        else
+            soon(&FragmentRenderer::lookWhetherReady);
+    });
 }
 
 void FragmentRenderer::measure()
 {
-    const auto script = QStringLiteral(
-        "(()=>{%1return [innerWidth,innerHeight,document.fonts.status=='loaded',document.documentElement.scrollHeight]})()");
-    ask(script.arg(freezingScript()), [this](const QVariant& answer) {
-        const auto values = answer.toList();
-        if (values.size() != 4)
-            finish(overlays::Outcome::Failed);
-        else if (values[0].toInt() != m_view.width() || values[1].toInt() != 1 || !values[2].toBool())
-            soon(&FragmentRenderer::measure);
+    ask(QStringLiteral("heightOfContent()"), [this](const QVariant& height) {
+        if (height.isValid())
+            measured(height.toInt());
         else
-            measured(values[3].toInt());
+            finish(overlays::Outcome::Failed);
     });
 }
 
 void FragmentRenderer::measured(int height)
 {
     m_height = std::clamp(height, 1, overlays::largestHeight);
-    m_view.resize(m_view.width(), m_height + markerHeight);
-    awaitHeight();
+    m_view.resize(m_width, m_height + markerHeight);
+    awaitSize();
 }
 
-void FragmentRenderer::awaitHeight()
+void FragmentRenderer::awaitSize()
 {
-    ask(QStringLiteral("innerHeight"), [this](const QVariant& answer) {
-        if (answer.toInt() == m_height + markerHeight)
-            load(&FragmentRenderer::placeMarker);
+    ask(QStringLiteral("[innerWidth,innerHeight]"), [this](const QVariant& size) {
+        if (size.toList() == QVariantList{ m_view.width(), m_view.height() })
+            layOutAgain();
         else
-            soon(&FragmentRenderer::awaitHeight);
+            soon(&FragmentRenderer::awaitSize);
     });
+}
+
+void FragmentRenderer::layOutAgain()
+{
+    m_afterLayout = &FragmentRenderer::placeMarker;
+    load(&FragmentRenderer::show);
 }
 
 void FragmentRenderer::placeMarker()
 {
-    // In the top layer, which no style of the page covers.
-    const auto script =
-        QStringLiteral("(()=>{%1const s=new CSSStyleSheet();s.replaceSync('dialog[x-marker]::backdrop{display:none!important}');"
-                       "document.adoptedStyleSheets=[s];const m=document.createElement('dialog');m.setAttribute('x-marker','');"
-                       "m.style.cssText='all:initial!important;position:fixed!important;display:block!important;left:0!important;"
-                       "right:0!important;bottom:0!important;height:%2px!important;background:#%3!important';"
-                       "document.documentElement.appendChild(m);m.showModal()})()");
-    m_page->run(script.arg(freezingScript()).arg(markerHeight).arg(m_marker & 0xffffff, 6, 16, QLatin1Char('0')));
+    m_page->run(QStringLiteral("mark('%1',%2)").arg(QColor(m_marker).name()).arg(markerHeight));
     m_look.start();
 }
 

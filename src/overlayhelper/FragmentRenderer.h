@@ -21,10 +21,10 @@ struct Rendering {
 
 /// Lays fragments out and takes their picture, one at a time, within the limits of the protocol.
 ///
-/// A page is loaded twice: once in a view one pixel high, which tells its height, and once in a view of that height. Layers that
-/// are resized in place lack parts for a few frames, while the first frame of a new document is whole. Nothing says when that frame
-/// has reached the view, so a strip in a colour of this rendering alone is put below the content, and the picture is taken when it
-/// is seen.
+/// A fragment is laid out twice: once in a frame one pixel high, which tells its height, and once in a frame of that height. Layers
+/// that are resized in place lack parts for a few frames, while the first frame of a new document is whole. Nothing says when that
+/// frame has reached the view, so a strip in a colour of this rendering alone is put below the content, where nothing of the
+/// fragment reaches, and the picture is taken when it is seen.
 class FragmentRenderer {
 public:
     using Done = std::function<void(const Rendering&)>;
@@ -48,9 +48,13 @@ private:
     void makePage();
     void started();
     void load(Step next);
+    void show();
+    void lookWhetherReady();
+    void awaitLayout(const QString& script);
     void measure();
     void measured(int height);
-    void awaitHeight();
+    void awaitSize();
+    void layOutAgain();
     void placeMarker();
     void lookForMarker();
     bool isMarked(const QImage& strip) const;
@@ -63,15 +67,18 @@ private:
     OfflineProfile m_profile;
     QWebEngineView m_view;
     std::unique_ptr<InertPage> m_page; ///< A new one after every fragment that was not rendered.
+    bool m_isFresh = true; ///< The page has no stage yet.
     QTimer m_deadline;
     QTimer m_look;
 
     std::function<void()> m_started;
     Done m_done; ///< Empty when nothing is rendered.
     Step m_afterLoad = nullptr;
-    QString m_document;
+    Step m_afterLayout = nullptr;
+    QString m_document; ///< As a literal.
     double m_cssWidth = 0;
-    int m_height = 0; ///< Of the content, in CSS pixels.
+    int m_width = 0; ///< Of the frame, in CSS pixels.
+    int m_height = 1; ///< Of the content, in CSS pixels; 1 until that is known.
     quint32 m_number = 0; ///< Of this rendering: answers to earlier ones are dropped.
     QRgb m_marker = 0;
 };

@@ -3,6 +3,7 @@
 #include <QColor>
 #include <QUrl>
 #include <QWebEngineScript>
+#include <QWebEngineScriptCollection>
 
 #include <csignal>
 #include <utility>
@@ -14,6 +15,11 @@ InertPage::InertPage(QWebEngineProfile& profile)
 {
     setBackgroundColor(Qt::transparent);
     setAudioMuted(true);
+    QWebEngineScript script;
+    script.setSourceUrl(QUrl(QStringLiteral("qrc:/stage.js")));
+    script.setWorldId(QWebEngineScript::ApplicationWorld);
+    script.setInjectionPoint(QWebEngineScript::DocumentCreation);
+    scripts().insert(script);
 }
 
 void InertPage::show(const QString& document)

@@ -14,7 +14,7 @@ public:
     void show(const QString& document);
 
     /// Runs a script of ours in a world of its own, which works though the page's scripts are off. It shares the document with the
-    /// page, nothing else.
+    /// page, nothing else. What `stage.js` declares is there.
     void run(const QString& script, const std::function<void(const QVariant&)>& then = {});
 
     /// Ends the process that lays out the page: it may be too busy to hear anything.

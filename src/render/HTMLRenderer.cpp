@@ -66,8 +66,12 @@ QFuture<HTMLRenderer::Image> HTMLRenderer::image(const Overlay& overlay)
 
 HTMLRenderer::Image HTMLRenderer::render(const std::string& fragment, double cssWidth)
 {
-    if (m_giveUp.wasCalled() || !overlays::isWithinLimits({ fragment.size(), cssWidth }))
+    if (m_giveUp.wasCalled())
         return std::nullopt;
+    if (!overlays::isWithinLimits({ fragment.size(), cssWidth })) {
+        warnOfMissingOverlay(overlays::Outcome::Refused);
+        return std::nullopt;
+    }
     Image image;
     try {
         if (!m_helper || !m_helper->isRunning())

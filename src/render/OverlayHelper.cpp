@@ -62,6 +62,11 @@ const char* describe(overlays::Outcome outcome)
 
 } // namespace
 
+void warnOfMissingOverlay(overlays::Outcome outcome)
+{
+    qCWarning(logRender) << "An overlay was not rendered:" << describe(outcome);
+}
+
 fs::path OverlayHelper::program()
 {
     return helperProgram("vantry-overlays", VANTRY_OVERLAYS_PROGRAM);
@@ -134,7 +139,7 @@ std::optional<Bitmap> OverlayHelper::render(const std::string& fragment, double 
     if (!isSensible(reply, cssWidth))
         throw AppError("The overlay helper answered nonsense");
     if (reply.outcome != overlays::Outcome::Rendered) {
-        qCWarning(logRender) << "An overlay was not rendered:" << describe(reply.outcome);
+        warnOfMissingOverlay(reply.outcome);
         return std::nullopt;
     }
     std::vector<std::uint8_t> pixels(static_cast<std::size_t>(reply.width) * static_cast<std::size_t>(reply.height) * 4);

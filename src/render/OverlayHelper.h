@@ -13,6 +13,9 @@
 
 namespace vantry {
 
+/// A warning in the log that an overlay will be missing, and why.
+void warnOfMissingOverlay(overlays::Outcome);
+
 /// A running helper program. What goes wrong is an AppError; the helper is of no use any more then. One thread at a time, which
 /// must live on: the helper ends with the thread that started it. Destroying it ends the helper.
 class OverlayHelper {

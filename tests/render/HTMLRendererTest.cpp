@@ -1,5 +1,5 @@
 #include "render/HTMLRenderer.h"
-#include "support/Command.h"
+#include "support/OverlayHelperProcess.h"
 #include "support/PumpUntil.h"
 #include "support/TemporaryFolder.h"
 
@@ -48,6 +48,32 @@ bool operator==(const Bitmap& a, const Bitmap& b)
 Overlay fragment(std::string html, double width = 0.42)
 {
     return { .html = std::move(html), .width = width };
+}
+
+/// A row of characters that stand 50 CSS pixels apart.
+Overlay row(const std::vector<std::string>& characters, const std::string& font)
+{
+    std::string html = "<style>body{padding:0!important}i{float:left;width:50px;height:50px;font:30px/50px " + font + "}</style>";
+    for (const auto& character : characters)
+        html += "<i>" + character + "</i>";
+    return fragment(html, 1);
+}
+
+enum class Ink { None, Black, Coloured };
+
+/// What the character at this place is made of: text is black, of an emoji nothing is.
+Ink inkAt(const Bitmap& bitmap, int place)
+{
+    Ink ink = Ink::None;
+    for (int y = 0; y < bitmap.height(); ++y)
+        for (int x = 100 * place; x < 100 * (place + 1); ++x) {
+            const auto pixel = at(bitmap, x, y);
+            if (pixel == Pixel{ 0, 0, 0, 255 })
+                return Ink::Black;
+            if (pixel.alpha == 255)
+                ink = Ink::Coloured;
+        }
+    return ink;
 }
 
 /// The same to look at, but with a render key of its own.
@@ -138,13 +164,6 @@ protected:
     }
     HTMLRenderer::Image imageOf(const Overlay& overlay) { return imageOf(m_renderer, overlay); }
 
-    /// The helper's process, or 0.
-    static pid_t helper()
-    {
-        const auto found = test::runCommand("pgrep -x vantry-overlays -P " + std::to_string(getpid()) + " || true");
-        return found.empty() ? 0 : std::stoi(found);
-    }
-
     HTMLRenderer m_renderer;
 };
 
@@ -188,6 +207,27 @@ TEST_F(HTMLRendererTest, theBubbleHasItsTailAndColouredEmoji)
     EXPECT_GT(coloured, 10);
 }
 
+TEST_F(HTMLRendererTest, emojiAreColouredAndTextIsNotInEveryFont)
+{
+    const std::vector<std::string> emoji{ "❤️", "⚠️", "☀️", "♥️", "⬜", "▶️", "◀️", "⬆️", "↗️",
+        "↖️", "↘️", "↙️", "↔️", "↕️", "↩️", "↪️", "⏏️", "Ⓜ️", "‼️", "⁉️", "▪️",
+        "✔️", "✏️", "❤", "⚠", "👍🏽", "❤️‍🔥", "&#x21A9;&#xFE0F;" };
+    const std::vector<std::string> text{ "a", "1", "#", "™", "™️", "©", "©️", "®", "®️", "→", "←", "↔", "▶", "↗", "‼",
+        "✓", "❤︎" };
+    for (const std::string font : { "-apple-system,system-ui", "system-ui", "Arial", "sans-serif", "serif", "monospace" }) {
+        const auto colours = imageOf(row(emoji, font));
+        const auto letters = imageOf(row(text, font));
+        ASSERT_TRUE(colours && letters);
+        for (std::size_t i = 0; i < emoji.size(); ++i)
+            EXPECT_EQ(inkAt(*colours, static_cast<int>(i)), Ink::Coloured) << emoji[i] << " in " << font;
+        for (std::size_t i = 0; i < text.size(); ++i)
+            EXPECT_EQ(inkAt(*letters, static_cast<int>(i)), Ink::Black) << text[i] << " in " << font;
+    }
+    const auto escaped = imageOf(row({ R"(<style>i::before{content:"\25B6\FE0F"}</style>)" }, "system-ui"));
+    ASSERT_TRUE(escaped);
+    EXPECT_EQ(inkAt(*escaped, 0), Ink::Coloured);
+}
+
 TEST_F(HTMLRendererTest, theBitmapHasTheContentsSizeToThePixel)
 {
     const auto image = imageOf(fragment(R"(<div style="margin:-28px;height:150.6px;background:#f00"></div>)"));
@@ -201,6 +241,10 @@ TEST_F(HTMLRendererTest, theBitmapHasTheContentsSizeToThePixel)
     ASSERT_TRUE(empty);
     EXPECT_EQ(empty->width(), 38);
     EXPECT_EQ(empty->height(), 2);
+    const auto percent = imageOf(fragment("%1 %2 %3 ${1} \\ ' \" `"));
+    const auto sameInWords = imageOf(fragment("&#37;1 &#37;2 &#37;3 &#36;{1} &#92; &apos; &quot; &#96;"));
+    ASSERT_TRUE(percent && sameInWords);
+    EXPECT_TRUE(*percent == *sameInWords);
     EXPECT_FALSE(imageOf(fragment("too narrow", 0)));
     EXPECT_FALSE(imageOf(fragment("too wide", 1e300)));
 }
@@ -234,6 +278,60 @@ TEST_F(HTMLRendererTest, underLoadPicturesStayTheSameAndTheEventLoopRuns)
         ASSERT_TRUE(images[i].result()) << i;
         EXPECT_TRUE(*images[i].result() == (i % 4 ? *expected : *still)) << i;
     }
+}
+
+TEST_F(HTMLRendererTest, noStyleOfAFragmentReachesBeyondIt)
+{
+    const std::string box = "<div style='height:40px;background:red'></div>";
+    const int height = 2 * (28 + 40 + 28);
+    for (const auto& [style, expected] : std::vector<std::pair<std::string, int>>{
+             { "html{zoom:2}", 2 * height },
+             { "*{transform:translateY(5px)!important}", 0 },
+             { "html{filter:invert(1)}*{opacity:.9!important}", height },
+             { "html,div{overflow:scroll!important}", height },
+             { "*{visibility:hidden!important}", height },
+             { ":root{color-scheme:dark}", height },
+             { "*{zoom:1.5}", 0 },
+             { "html{display:none}", 2 },
+             { "*{display:none!important}", 2 },
+             { "html{content-visibility:hidden}", 2 },
+             { "*{contain:strict!important}", 2 },
+         }) {
+        const auto overlay = fragment("<meta name=color-scheme content=dark><style>" + style + "</style>" + box);
+        const auto image = imageOf(overlay);
+        ASSERT_TRUE(image) << style;
+        if (expected != 0) {
+            EXPECT_EQ(image->height(), expected) << style;
+        }
+        EXPECT_EQ(at(*image, 0, image->height() - 1), clear) << style;
+        const auto again = imageOf(numbered(overlay, 1));
+        ASSERT_TRUE(again) << style;
+        EXPECT_TRUE(*again == *image) << style;
+    }
+}
+
+TEST_F(HTMLRendererTest, whatMovesByItselfStandsStill)
+{
+    const std::string high = "<div style='height:900px'></div>";
+    for (const std::string& moving : std::vector<std::string>{
+             "<progress></progress>",
+             "<marquee>a</marquee><marquee behavior=alternate>b</marquee>",
+             high + "<input autofocus value=a><textarea autofocus></textarea>",
+             "<svg><rect width=9 height=9><animate attributeName=x to=90 dur=1s repeatCount=indefinite /></rect></svg>",
+             "<iframe srcdoc='a'></iframe><iframe sandbox srcdoc='b'></iframe>",
+         }) {
+        const auto image = imageOf(fragment(moving));
+        ASSERT_TRUE(image) << moving;
+        for (int i = 0; i < 4; ++i) {
+            const auto again = imageOf(numbered(fragment(moving), i));
+            ASSERT_TRUE(again) << moving;
+            EXPECT_TRUE(*again == *image) << moving;
+        }
+    }
+    const auto focused = imageOf(fragment(high + "<input autofocus>"));
+    const auto plain = imageOf(fragment(high + "<input>"));
+    ASSERT_TRUE(focused && plain);
+    EXPECT_TRUE(*focused == *plain);
 }
 
 TEST_F(HTMLRendererTest, aFragmentReachesNothingAndRunsNothing)
@@ -297,6 +395,17 @@ TEST_F(HTMLRendererTest, aHeavyFragmentIsGivenUpAndTheNextOneIsRendered)
     }
 }
 
+TEST_F(HTMLRendererTest, theLogNamesAFragmentThatIsTooLarge)
+{
+    static std::string said;
+    said.clear();
+    const auto before =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& message) { said += message.toStdString(); });
+    EXPECT_FALSE(imageOf(fragment(std::string(1'500'001, 'x'))));
+    qInstallMessageHandler(before);
+    EXPECT_THAT(said, testing::HasSubstr("too large"));
+}
+
 TEST_F(HTMLRendererTest, aHelperThatFailsCostsOnePicture)
 {
     HTMLRenderer renderer({ .longestRender = 3s });
@@ -305,17 +414,17 @@ TEST_F(HTMLRendererTest, aHelperThatFailsCostsOnePicture)
     const auto next = [&] { return numbered(good, ++number); };
     ASSERT_TRUE(imageOf(renderer, next()));
 
-    kill(helper(), SIGSTOP);
+    kill(test::overlayHelperProcess(), SIGSTOP);
     EXPECT_FALSE(imageOf(renderer, next())) << "it hangs";
     ASSERT_TRUE(imageOf(renderer, next()));
 
-    kill(helper(), SIGSTOP);
+    kill(test::overlayHelperProcess(), SIGSTOP);
     const auto under = renderer.image(next());
-    kill(helper(), SIGKILL);
+    kill(test::overlayHelperProcess(), SIGKILL);
     ASSERT_TRUE(test::pumpUntil([&] { return under.isFinished(); }));
     ASSERT_TRUE(imageOf(renderer, next()));
 
-    const auto idle = helper();
+    const auto idle = test::overlayHelperProcess();
     kill(idle, SIGKILL);
     siginfo_t end{};
     waitid(P_PID, idle, &end, WEXITED | WNOWAIT);
@@ -336,17 +445,17 @@ TEST_F(HTMLRendererTest, anotherProgramInItsPlaceGivesNothing)
 
 TEST_F(HTMLRendererTest, theHelperEndsWhenIdleAndWithItsRenderer)
 {
-    EXPECT_EQ(helper(), 0);
+    EXPECT_EQ(test::overlayHelperProcess(), 0);
     {
         HTMLRenderer renderer({ .idle = 50ms });
         EXPECT_TRUE(imageOf(renderer, fragment("a")));
-        EXPECT_NE(helper(), 0);
-        EXPECT_TRUE(test::pumpUntil([] { return helper() == 0; }));
+        EXPECT_NE(test::overlayHelperProcess(), 0);
+        EXPECT_TRUE(test::pumpUntil([] { return test::overlayHelperProcess() == 0; }));
         EXPECT_TRUE(imageOf(renderer, fragment("b")));
         static_cast<void>(renderer.image(fragment("c")));
         static_cast<void>(renderer.image(fragment("d")));
     }
-    EXPECT_EQ(helper(), 0);
+    EXPECT_EQ(test::overlayHelperProcess(), 0);
 }
 
 } // namespace vantry
