@@ -21,7 +21,7 @@ class OverlayPictures : public QObject {
 
 public:
     /// The bitmaps by overlay; an overlay that could not be rendered has none. One that was rendered before is not rendered again.
-    /// When `cancel` is asked to stop, the rest is left out.
+    /// When `cancel` is asked to stop, the rest is left out and not waited for.
     QCoro::Task<OverlayImages> of(std::vector<Overlay> overlays, std::stop_token cancel);
 
 private:

@@ -1,9 +1,12 @@
 #include "model/ModelTest.h"
 #include "support/MovieProbe.h"
+#include "support/OverlayHelperProcess.h"
 #include "support/TestMovie.h"
 
 #include <QCoroTask>
 #include <gmock/gmock.h>
+
+#include <csignal>
 
 namespace vantry {
 
@@ -38,6 +41,20 @@ TEST_F(OverlayPicturesTest, everyOverlayOfTheOpenProjectHasItsBitmap)
     std::stop_source cancel;
     cancel.request_stop();
     EXPECT_THAT(QCoro::waitFor(m_model.overlayImages(cancel.get_token())), IsEmpty());
+}
+
+TEST_F(OverlayPicturesTest, whoeverCancelsDoesNotWaitForAHelperThatHangs)
+{
+    m_model.open(writeProject("one"));
+    m_model.edit(Rebuild::Yes, [&](Project& project) { project.overlays = { Overlay::make(OverlayKind::text, "a", 1) }; });
+    EXPECT_EQ(images().size(), 1);
+    m_model.edit(Rebuild::Yes, [&](Project& project) { project.overlays = { Overlay::make(OverlayKind::text, "b", 1) }; });
+    const auto helper = test::overlayHelperProcess();
+    kill(helper, SIGSTOP);
+    std::stop_source cancel;
+    QTimer::singleShot(0, &m_model, [&] { cancel.request_stop(); });
+    EXPECT_THAT(QCoro::waitFor(m_model.overlayImages(cancel.get_token())), IsEmpty());
+    EXPECT_EQ(test::overlayHelperProcess(), helper) << "it was waited for until it was given up";
 }
 
 TEST_F(OverlayPicturesTest, anExportShowsThem)
