@@ -13,9 +13,9 @@ namespace vantry {
 
 class PipeWireLoop;
 
-/// Plays sound on the system's output while it exists, whichever that is: two channels interleaved, 48000 samples a second, floats. A
-/// sample is one float for each channel; samples are counted from 0 on as they are written. When there is no output, nothing is taken.
-/// Opened and closed on any thread but the loop's; the loop must outlive it.
+/// Plays sound on the system's output while it exists, whichever that is: two channels interleaved, 48000 samples a second, floats.
+/// A sample is one float for each channel; samples are counted from 0 on as they are written. When there is no output, nothing is
+/// taken. Opened and closed on any thread but the loop's; the loop must outlive it.
 class SoundOutput {
 public:
     static constexpr int channels = 2;

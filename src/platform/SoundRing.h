@@ -7,8 +7,8 @@
 
 namespace vantry {
 
-/// Hands samples from one thread to another; neither ever waits. A sample is one float for each channel. Samples are counted from 0 on
-/// as they are written.
+/// Hands samples from one thread to another; neither ever waits. A sample is one float for each channel. Samples are counted from 0
+/// on as they are written.
 class SoundRing {
 public:
     SoundRing(std::int64_t capacity, int channels);

@@ -92,8 +92,8 @@ TEST_F(SourcesTest, aRefusedCameraIsToldBeforeTheCountdownAndOnlyOnce)
 
     m_model.record();
     ASSERT_TRUE(pumpUntil([&] { return m_model.alert().has_value(); }));
-    EXPECT_THAT(
-        alert(), testing::AllOf(testing::StartsWith("Busy camera: "), testing::EndsWith("Press Record again to record without it.")));
+    EXPECT_THAT(alert(),
+        testing::AllOf(testing::StartsWith("Busy camera: "), testing::EndsWith("Press Record again to record without it.")));
     EXPECT_EQ(m_model.phase(), Phase::setup());
     m_model.setAlert(std::nullopt);
 

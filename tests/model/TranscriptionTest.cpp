@@ -46,9 +46,7 @@ protected:
 
     void start(const std::function<void(Transcriber::Options&)>& change = {})
     {
-        AppModel::Options options{ .root = m_root,
-            .settingsFile = m_folder / "settings.ini",
-            .speech = withoutSpeechModel() };
+        AppModel::Options options{ .root = m_root, .settingsFile = m_folder / "settings.ini", .speech = withoutSpeechModel() };
         if (change)
             change(options.speech);
         m_app.emplace(options);
