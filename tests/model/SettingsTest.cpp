@@ -39,6 +39,8 @@ void expectDefaults(const Settings& settings)
     EXPECT_EQ(settings.setupCrop(), std::nullopt);
     EXPECT_EQ(settings.model(), QStringLiteral("~deepseek/deepseek-flash-latest"));
     EXPECT_EQ(settings.tokensPath(), QStringLiteral("~/Dropbox/kitbag/tokens"));
+    EXPECT_EQ(settings.speechLocale(), QStringLiteral("en-US"));
+    EXPECT_EQ(settings.speechModel(), SpeechModelSize::base);
 }
 
 } // namespace
@@ -50,8 +52,8 @@ TEST_F(SettingsTest, nothingStoredMeansTheDefaults)
 
 TEST_F(SettingsTest, storedValuesOfAnotherKindMeanTheDefaults)
 {
-    write(
-        "displayID=-1\nlayout=Screen\ncorner=middle\nbubble=big\nexportHeight=tall\nsystemAudio=perhaps\nblur=2\ncrop=all of it\n");
+    write("displayID=-1\nlayout=Screen\ncorner=middle\nbubble=big\nexportHeight=tall\nsystemAudio=perhaps\nblur=2\ncrop=all of it\n"
+          "speechModel=huge\n");
     expectDefaults(Settings(m_file));
     write("displayID=4294967296\nbubble=nan\nexportHeight=1000\ncrop=\n");
     expectDefaults(Settings(m_file));
@@ -62,7 +64,8 @@ TEST_F(SettingsTest, storedValuesOfAnotherKindMeanTheDefaults)
 TEST_F(SettingsTest, theFileHasTheKnownKeysAndForms)
 {
     write("displayID=4294967295\ncameraID=cam\nmicID=mic\nlayout=screen\ncorner=topLeft\nbubble=0.5\nexportHeight=720\n"
-          "systemAudio=false\nblur=true\nmodel=~a/b\ntokensPath=~/tokens\ncrop=\"{{0, 0.06}, {1, 0.94}}\"\n");
+          "systemAudio=false\nblur=true\nmodel=~a/b\ntokensPath=~/tokens\nspeechLocale=nb-NO\nspeechModel=small\ncrop=\"{{0, "
+          "0.06}, {1, 0.94}}\"\n");
     const Settings settings(m_file);
     EXPECT_EQ(settings.displayID(), 4294967295u);
     EXPECT_EQ(settings.cameraID(), QStringLiteral("cam"));
@@ -73,6 +76,8 @@ TEST_F(SettingsTest, theFileHasTheKnownKeysAndForms)
     EXPECT_EQ(settings.exportHeight(), 720);
     EXPECT_FALSE(settings.systemAudio());
     EXPECT_TRUE(settings.setupBlur());
+    EXPECT_EQ(settings.speechLocale(), QStringLiteral("nb-NO"));
+    EXPECT_EQ(settings.speechModel(), SpeechModelSize::small);
     EXPECT_EQ(settings.setupCrop(), (CropRect{ 0, 0.06, 1, 0.94 }));
     EXPECT_EQ(settings.model(), QStringLiteral("~a/b"));
     EXPECT_EQ(settings.tokensPath(), QStringLiteral("~/tokens"));
