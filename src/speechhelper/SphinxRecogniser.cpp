@@ -32,7 +32,7 @@ ps_decoder_t* makeDecoder(const std::filesystem::path& models)
     // Pauses are cut out already, and what the recogniser leaves out by itself would shift its times. It looks at fewer
     // possibilities than it would, and relies a little more on what is usually said: twice as fast, and no worse.
     cmd_ln_t* settings = cmd_ln_init(nullptr, ps_args(), FALSE, "-hmm", hmm.c_str(), "-lm", words.c_str(), "-dict",
-        dictionary.c_str(), "-remove_silence", "no", "-maxhmmpf", "5000", "-lw", "7.5", nullptr);
+        dictionary.c_str(), "-remove_silence", "no", "-maxhmmpf", "3500", "-lw", "7.5", nullptr);
     if (!settings)
         return nullptr;
     ps_decoder_t* decoder = ps_init(settings);
