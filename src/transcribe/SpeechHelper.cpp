@@ -75,6 +75,7 @@ void Process::start(const std::filesystem::path& program, const std::vector<std:
     std::vector<std::string> words{ program.string() };
     words.insert(words.end(), command.begin(), command.end());
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (auto& word : words)
         arguments.push_back(word.data());
     arguments.push_back(nullptr);
