@@ -23,7 +23,6 @@ class AppModel;
 /// to the main thread; items are built on a thread of its own.
 class PreviewFlow : public QObject {
     Q_OBJECT
-    Q_PROPERTY(vantry::Picture picture READ picture NOTIFY pictureChanged)
     Q_PROPERTY(bool isEmpty READ isEmpty NOTIFY stateChanged)
     Q_PROPERTY(bool isPlaying READ isPlaying NOTIFY stateChanged)
     Q_PROPERTY(double length READ length NOTIFY lengthChanged)

@@ -14,12 +14,19 @@ PictureView::PictureView(QQuickItem* parent)
     setFlag(ItemHasContents);
 }
 
+void PictureView::setPreview(PreviewFlow* preview)
+{
+    if (!changeTo(m_preview, preview))
+        return;
+    connect(m_preview, &PreviewFlow::pictureChanged, this, [this] { setPicture(m_preview->picture()); });
+    setPicture(m_preview->picture());
+    Q_EMIT previewChanged();
+}
+
 void PictureView::setPicture(const Picture& picture)
 {
-    if (!changeTo(m_picture, picture))
-        return;
-    update();
-    Q_EMIT pictureChanged();
+    if (changeTo(m_picture, picture))
+        update();
 }
 
 void PictureView::geometryChange(const QRectF& now, const QRectF& before)

@@ -46,7 +46,7 @@ FocusScope {
 
         PictureView {
             anchors.fill: parent
-            picture: player.preview.picture
+            preview: player.preview
             Accessible.role: Accessible.Graphic
             Accessible.name: "Preview"
         }

@@ -128,6 +128,13 @@ protected:
         return { static_cast<int>(std::lround(m_first.x + seconds / (clips * lengthOfClip) * (m_last.x - m_first.x))), m_first.y };
     }
 
+    /// What the program holds, in MB.
+    long memory() const
+    {
+        const auto status = "/proc/" + std::to_string(m_program->pid()) + "/status";
+        return std::stol(runCommand("sed -n 's/^RssAnon:[^0-9]*\\([0-9]*\\) kB/\\1/p' " + status)) / 1000;
+    }
+
     static void press(const std::string& keys) { runCommand("xdotool key " + keys); }
     static std::string moveTo(Point place) { return " mousemove " + std::to_string(place.x) + " " + std::to_string(place.y) + " "; }
 
@@ -136,6 +143,17 @@ protected:
 };
 
 } // namespace
+
+TEST_F(PlayerWindowTest, picturesThatWereShownAreGone)
+{
+    press("End");
+    ASSERT_TRUE(showsSoon(119));
+    press("space"); // From the beginning.
+    ASSERT_TRUE(showsSoon(30, 15));
+    const auto before = memory();
+    ASSERT_TRUE(showsSoon(100, 15));
+    EXPECT_LE(memory() - before, 60) << "these are some 200 MB of pictures";
+}
 
 TEST_F(PlayerWindowTest, isDrivenByKeys)
 {
