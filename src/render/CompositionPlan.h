@@ -18,6 +18,7 @@ struct Segment {
     MediaTime sourceStart{};
     MediaTime length{};
     MediaTime outputStart{};
+    std::filesystem::file_time_type written{}; ///< Another file of the same name is another source.
 
     MediaTime outputEnd() const { return outputStart + length; }
 

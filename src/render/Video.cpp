@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <map>
+#include <system_error>
 
 namespace vantry::Video {
 
@@ -42,6 +43,8 @@ TimelineTime keptLength(const Clip& clip)
 
 void addClip(CompositionPlan& plan, const std::filesystem::path& file, TimelineTime at, TimelineTime keep)
 {
+    std::error_code unknown;
+    const auto written = std::filesystem::last_write_time(file, unknown);
     for (const auto& [role, track] : chooseTracks(readTracks(file))) {
         const auto start = std::max(track.start, MediaTime(0));
         const auto end = std::min<MediaTime>(track.start + track.duration, keep);
@@ -54,6 +57,7 @@ void addClip(CompositionPlan& plan, const std::filesystem::path& file, TimelineT
             .sourceStart = start,
             .length = end - start,
             .outputStart = at + start,
+            .written = written,
         });
         plan.duration = std::max(plan.duration, plan.segments.back().outputEnd());
     }

@@ -30,6 +30,13 @@ protected:
 
     CompositionPlan build() const { return Video::build(m_project, m_folder.path(), { 1280, 720 }); }
 
+    /// Of the whole clip's beginning.
+    Segment segment(const std::string& name, TrackKind role, int track, MediaTime length, MediaTime outputStart) const
+    {
+        const auto file = m_folder / name;
+        return { file, role, track, MediaTime(0), length, outputStart, std::filesystem::last_write_time(file) };
+    }
+
     std::function<void()> building() const
     {
         return [this] { build(); };
@@ -91,10 +98,13 @@ TEST_F(CompositionTest, clipsPlayBackToBackEachUpToItsKeep)
     EXPECT_EQ(plan.duration, 3500ms);
     EXPECT_EQ(plan.frameCount(), 105);
     EXPECT_EQ(plan.size, (PictureSize{ 1280, 720 }));
-    const auto second = [&](TrackKind role, int track) { return Segment{ m_folder / "clip-2.mov", role, track, 0s, 1500ms, 2s }; };
+    const auto second = [&](TrackKind role, int track) { return segment("clip-2.mov", role, track, 1500ms, 2s); };
     EXPECT_THAT(plan.segments,
-        testing::ElementsAre(Segment{ m_folder / "clip-1.mov", TrackKind::screen, 0, 0s, 2s, 0s }, second(TrackKind::screen, 0),
+        testing::ElementsAre(segment("clip-1.mov", TrackKind::screen, 0, 2s, 0s), second(TrackKind::screen, 0),
             second(TrackKind::camera, 1), second(TrackKind::audio, 2), second(TrackKind::system, 3)));
+
+    std::filesystem::last_write_time(m_folder / "clip-1.mov", {});
+    EXPECT_NE(build().segments[0], plan.segments[0]) << "a file that took the place of another";
 }
 
 TEST_F(CompositionTest, keepsAreRoundedToTheTimelineSoThatClipsJoinExactly)
