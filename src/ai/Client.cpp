@@ -8,6 +8,8 @@
 #include <QDir>
 #include <QFile>
 
+#include <algorithm>
+
 namespace vantry::AI {
 
 using namespace Qt::StringLiterals;
@@ -81,6 +83,8 @@ QCoro::Task<std::string> Client::ask(std::string system, std::string user)
     if (!key)
         throw AppError("No OpenRouter key. Paste yours in Settings (⌘,).");
     const auto secret = key->toUtf8();
+    if (std::ranges::any_of(secret, [](char c) { return static_cast<unsigned char>(c) < ' '; }))
+        throw AppError("The OpenRouter key has a line break in it. Paste it again in Settings (⌘,).");
     const auto body = QByteArray::fromStdString(chatRequest(chosenModel, system, user));
     auto answer = co_await post(m_network, requestWith(secret), body, largestAnswer);
     co_return bodyOf(std::move(answer), secret);

@@ -2,17 +2,48 @@
 
 #include "base/AppError.h"
 
+#include <QIODevice>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QPromise>
 
+#include <algorithm>
 #include <exception>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace vantry {
 
 namespace {
+
+/// A body that can be sent but once. The network sends others again, up to three times, when a server goes away without an answer,
+/// who may have done its work, and be paid for it.
+class SentOnce : public QIODevice {
+public:
+    explicit SentOnce(QByteArray body)
+        : m_body(std::move(body))
+    {
+        open(ReadOnly);
+    }
+
+    bool isSequential() const override { return true; }
+    qint64 bytesAvailable() const override { return m_body.size() - m_sent + QIODevice::bytesAvailable(); }
+
+protected:
+    qint64 readData(char* data, qint64 most) override
+    {
+        const auto count = std::min<qint64>(most, m_body.size() - m_sent);
+        std::copy_n(m_body.constData() + m_sent, count, data);
+        m_sent += count;
+        return count;
+    }
+    qint64 writeData(const char*, qint64) override { return -1; }
+
+private:
+    const QByteArray m_body;
+    qint64 m_sent = 0;
+};
 
 /// Whether no whole answer came. Of the errors, most only say the status in other words.
 bool isBroken(QNetworkReply::NetworkError error, int status)
@@ -58,7 +89,12 @@ QFuture<HttpAnswer> post(QNetworkAccessManager& network, const QNetworkRequest& 
 {
     const auto promise = std::make_shared<QPromise<HttpAnswer>>();
     promise->start();
-    QNetworkReply* reply = network.post(request, body);
+    QNetworkRequest once = request;
+    once.setAttribute(QNetworkRequest::DoNotBufferUploadDataAttribute, true);
+    once.setHeader(QNetworkRequest::ContentLengthHeader, body.size());
+    auto* device = new SentOnce(body);
+    QNetworkReply* reply = network.post(once, device);
+    device->setParent(reply);
     QObject::connect(reply, &QNetworkReply::readyRead, reply, [promise, reply, limit] {
         if (reply->bytesAvailable() > limit)
             finish(*promise, *reply, limit);

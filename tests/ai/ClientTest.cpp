@@ -67,7 +67,7 @@ protected:
     QCoro::Task<> follow(std::string& outcome)
     {
         try {
-            const auto reply = co_await m_client->json<OverlayReply>("the rules", "the wish");
+            const auto reply = co_await m_client->json<OverlayReply>("the rules", m_wish);
             outcome = "text: " + reply.text.value_or("none");
         } catch (const std::exception& error) {
             outcome = error.what();
@@ -91,6 +91,7 @@ protected:
     const test::TemporaryFolder m_folder;
     const std::filesystem::path m_tokens = m_folder / "tokens";
     QString m_model;
+    std::string m_wish = "the wish";
     Options m_options{ .keychain = {
                            .service = QString::fromStdString(test::uniqueName("test.vantry")),
                            .longestRead = std::chrono::minutes(1), // Busy machines are slow.
@@ -148,6 +149,11 @@ TEST_F(KeyedClientTest, sendsExactlyWhatTheServiceWants)
     m_model = QStringLiteral("~someone/something");
     EXPECT_EQ(ask(), "text: hi");
     EXPECT_EQ(Json::parse(m_server->requests().back().body.toStdString()), expected("~someone/something"));
+    // Hours of speech go out in pieces.
+    for (int i = 0; i < 200'000; ++i)
+        m_wish += std::to_string(i) + ' ';
+    EXPECT_EQ(ask(), "text: hi");
+    EXPECT_EQ(Json::parse(m_server->requests().back().body.toStdString())["messages"][1]["content"], m_wish);
 }
 
 TEST_F(KeyedClientTest, findsTheObjectInWhatTheModelSays)
@@ -201,18 +207,27 @@ TEST_F(KeyedClientTest, neverRepeatsTheKey)
 TEST_F(KeyedClientTest, failsWhenNoWholeAnswerComes)
 {
     const auto isNetwork = testing::AllOf(Not(StartsWith("OpenRouter")), Not(StartsWith("text")), Not(StartsWith("The AI")));
-    EXPECT_THAT(ask([](QTcpSocket& socket, const HttpRequest&) { socket.close(); }), isNetwork);
+    int requests = 0;
+    EXPECT_THAT(ask([&](QTcpSocket& socket, const HttpRequest&) {
+        ++requests;
+        socket.close();
+    }),
+        isNetwork);
+    EXPECT_EQ(requests, 1) << "a request costs money";
     EXPECT_THAT(ask([](QTcpSocket& socket, const HttpRequest&) { socket.abort(); }), isNetwork);
     const auto half = [](QTcpSocket& socket, const HttpRequest&) {
         socket.write("HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\n" + saying("{}"));
         socket.close();
     };
     EXPECT_THAT(ask(half), isNetwork);
-    EXPECT_THAT(ask([](QTcpSocket& socket, const HttpRequest&) {
+    requests = 0;
+    EXPECT_THAT(ask([&](QTcpSocket& socket, const HttpRequest&) {
+        ++requests;
         socket.write("nonsense\r\n\r\n");
         socket.close();
     }),
         isNetwork);
+    EXPECT_EQ(requests, 1);
     m_options.host = QUrl(QStringLiteral("http://nowhere.invalid"));
     makeClient();
     EXPECT_THAT(ask(), isNetwork);
