@@ -87,8 +87,6 @@ void SphinxRecogniser::recognise(const SpeechFile& speech, const std::vector<Phr
         const Phrase around = withMargins(phrases, i);
         listen(resampled(speech.read(around.start, around.end), modelRate));
         Line line = heard();
-        if (line.text.empty())
-            continue;
         const double start = seconds(around.start);
         line.start += start;
         line.end = std::min(line.end + start, seconds(around.end));

@@ -95,6 +95,7 @@ void WhisperRecogniser::recognise(const SpeechFile& speech, const std::vector<Ph
             line.end += seconds(start);
             sink(movedToSpeech(std::move(line), spoken));
         }
+        sink({}); // It still works, whatever was heard.
         first = end;
     }
 }

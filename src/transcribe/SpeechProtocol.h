@@ -9,7 +9,8 @@
 namespace vantry {
 
 // What the helper that recognises speech says on its standard output: a line of JSON for each line of speech as soon as it has it,
-// or for what it failed of. Then it ends, with exit status 0 when it has come to the end.
+// or for what it failed of. A line without text says that it still works. Then it ends, with exit status 0 when it has come to the
+// end.
 
 struct SpeechFailure {
     std::string text;
