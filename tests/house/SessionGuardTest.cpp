@@ -146,7 +146,7 @@ TEST(SessionGuard, handsTheStatusBack)
 {
     EXPECT_EQ(GuardedScript("exit 7").status(), 7);
     EXPECT_EQ(GuardedScript("kill -KILL $$").status(), 128 + SIGKILL);
-    EXPECT_EQ(GuardedScript("exec /nonexistent").status(), 127);
+    EXPECT_EQ(GuardedScript("exec /no/such/program").status(), 127);
 }
 
 TEST(SessionGuard, theCommandHasAFolderWhileItRuns)
