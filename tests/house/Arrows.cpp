@@ -25,7 +25,7 @@ const std::map<std::string, Rooms> arrows{
     { "platform", { "base" } },
     { "capture", { "platform", "media", "project", "base" } },
     { "render", { "media", "project", "base", "platform" } },
-    { "transcribe", { "media", "project", "base" } },
+    { "transcribe", { "platform", "media", "project", "base" } },
     { "ai", { "project", "base", "platform" } },
     { "model", { "ai", "transcribe", "render", "capture", "platform", "media", "project", "base" } },
     { "ui", { "model", "project", "base" } },
