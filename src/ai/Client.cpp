@@ -4,6 +4,7 @@
 #include "ai/Post.h"
 #include "ai/TokensFile.h"
 #include "base/AppError.h"
+#include "platform/NetworkRoute.h"
 
 #include <QDir>
 #include <QFile>
@@ -86,6 +87,9 @@ QCoro::Task<std::string> Client::ask(std::string system, std::string user)
     if (std::ranges::any_of(secret, [](char c) { return static_cast<unsigned char>(c) < ' '; }))
         throw AppError("The OpenRouter key has a line break in it. Paste it again in Settings (⌘,).");
     const auto body = QByteArray::fromStdString(chatRequest(chosenModel, system, user));
+    const auto route = co_await findRoute(m_options.host, m_options.longestSilence, *this);
+    checkAlive(self);
+    setRoute(m_network, route);
     auto answer = co_await post(m_network, requestWith(secret), body, largestAnswer);
     co_return bodyOf(std::move(answer), secret);
 }

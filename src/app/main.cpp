@@ -7,6 +7,7 @@
 #include "base/AppError.h"
 #include "model/AppModel.h"
 #include "platform/FileBrowser.h"
+#include "platform/NetworkRoute.h"
 
 #include <QGuiApplication>
 #include <QTimer>
@@ -48,6 +49,16 @@ int runWithWindow(int& argc, char** argv, const CommandLine& line)
     return QGuiApplication::exec();
 }
 
+/// Without waiting for a network that is silent: nothing of ours depends on it any more.
+int ended(int status)
+{
+    if (isFindingRoutes()) {
+        std::fflush(nullptr);
+        std::_Exit(status);
+    }
+    return status;
+}
+
 int run(int& argc, char** argv)
 {
     const CommandLine line = parseCommandLine({ argv + 1, argv + argc });
@@ -73,9 +84,9 @@ int main(int argc, char** argv)
     constexpr int large = 256 * 1024;
     mallopt(M_MMAP_THRESHOLD, large);
     try {
-        return run(argc, argv);
+        return ended(run(argc, argv));
     } catch (const std::exception& error) {
         std::fprintf(stderr, "vantry: %s\n", error.what());
-        return EXIT_FAILURE;
+        return ended(EXIT_FAILURE);
     }
 }

@@ -1,9 +1,11 @@
 #include "transcribe/ModelDownload.h"
 
 #include "base/AppError.h"
+#include "platform/NetworkRoute.h"
 #include "transcribe/PartialFile.h"
 
 #include <QEventLoop>
+#include <QFutureWatcher>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QUrl>
@@ -36,7 +38,7 @@ public:
     {
     }
 
-    /// Until the reply has ended, well or not.
+    /// Until the reply has ended, well or not, or the network has none.
     void run(const std::stop_token& cancel);
 
     /// There was no way to the server.
@@ -50,6 +52,8 @@ public:
 
 private:
     QNetworkRequest request() const;
+    bool findWay(QNetworkAccessManager& network, const std::stop_token& cancel);
+    void receive(QNetworkReply& reply, const std::stop_token& cancel);
     void begin(const QNetworkReply& reply);
     void take(QNetworkReply& reply);
 
@@ -80,15 +84,10 @@ QNetworkRequest Request::request() const
 void Request::run(const std::stop_token& cancel)
 {
     QNetworkAccessManager network;
-    QEventLoop loop;
+    if (!findWay(network, cancel))
+        return;
     const std::unique_ptr<QNetworkReply> reply(network.get(request()));
-    QObject::connect(reply.get(), &QNetworkReply::metaDataChanged, &loop, [&] { attempt(*reply, [&] { begin(*reply); }); });
-    QObject::connect(reply.get(), &QNetworkReply::readyRead, &loop, [&] { attempt(*reply, [&] { take(*reply); }); });
-    QObject::connect(reply.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
-    const std::stop_callback onCancel(
-        cancel, [&reply] { QMetaObject::invokeMethod(reply.get(), &QNetworkReply::abort, Qt::QueuedConnection); });
-    if (!reply->isFinished())
-        loop.exec();
+    receive(*reply, cancel);
     if (m_failure)
         std::rethrow_exception(m_failure);
     if (reply->bytesAvailable() > 0)
@@ -97,6 +96,39 @@ void Request::run(const std::stop_token& cancel)
     m_problem = reply->errorString();
     if (const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute); status.isValid())
         m_status = status.toInt();
+}
+
+/// False when there is none, or when cancelled.
+bool Request::findWay(QNetworkAccessManager& network, const std::stop_token& cancel)
+{
+    QEventLoop loop;
+    QFutureWatcher<NetworkRoute> watcher;
+    QObject::connect(&watcher, &QFutureWatcherBase::finished, &loop, &QEventLoop::quit);
+    watcher.setFuture(findRoute(request().url(), m_download.patience, loop));
+    const std::stop_callback onCancel(
+        cancel, [&loop] { QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection); });
+    loop.exec();
+    if (cancel.stop_requested())
+        return false;
+    try {
+        setRoute(network, watcher.result());
+        return true;
+    } catch (const AppError& error) {
+        m_problem = QString::fromUtf8(error.what());
+        return false;
+    }
+}
+
+void Request::receive(QNetworkReply& reply, const std::stop_token& cancel)
+{
+    QEventLoop loop;
+    QObject::connect(&reply, &QNetworkReply::metaDataChanged, &loop, [&] { attempt(reply, [&] { begin(reply); }); });
+    QObject::connect(&reply, &QNetworkReply::readyRead, &loop, [&] { attempt(reply, [&] { take(reply); }); });
+    QObject::connect(&reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
+    const std::stop_callback onCancel(
+        cancel, [&reply] { QMetaObject::invokeMethod(&reply, &QNetworkReply::abort, Qt::QueuedConnection); });
+    if (!reply.isFinished())
+        loop.exec();
 }
 
 /// What goes wrong ends the reply: nothing may be thrown from within its signals.

@@ -1,8 +1,12 @@
+#include "media/Sound.h"
 #include "project/ProjectFile.h"
 #include "project/Timeline.h"
 #include "support/Command.h"
 #include "support/MovieProbe.h"
+#include "support/SilentServer.h"
 #include "support/TemporaryFolder.h"
+#include "support/TestMovie.h"
+#include "support/Voice.h"
 #include "support/XServer.h"
 
 #include <gmock/gmock.h>
@@ -340,6 +344,25 @@ TEST_F(ProgramTest, anInterruptedExportLeavesNoFile)
     kill(program->pid(), SIGTERM);
     EXPECT_EQ(finish(*program).status, 128 + SIGTERM);
     EXPECT_EQ(std::distance(fs::directory_iterator(m_home.path()), {}), before);
+}
+
+TEST_F(ProgramTest, aSilentNetworkDoesNotKeepItFromEnding)
+{
+    const auto folder = m_home / "spoken";
+    const auto voice = test::joined({ test::quiet(0.5), test::spoken("Welcome to my channel"), test::quiet(0.5) });
+    const double length = static_cast<double>(voice.size()) / sampleRate;
+    fs::create_directories(folder);
+    test::writeTestMovie(folder / "clip.mov", { .duration = length, .screen = { 64, 48 }, .audio = true, .voice = voice });
+    saveProject({ .clips = { { .file = "clip.mov", .duration = length, .keep = length } } }, folder);
+    const test::XServer screen(640, 360);
+    const test::SilentServer server;
+    setenv("https_proxy", ("pac+" + server.url() + "/proxy.pac").c_str(), 1);
+    const auto program = start("--open " + folder.string());
+    unsetenv("https_proxy");
+    constexpr int longest = 60'000;
+    ASSERT_TRUE(server.isAsked(longest)) << "for the way to a speech model";
+    kill(program->pid(), SIGTERM);
+    EXPECT_EQ(finish(*program).status, 0) << "and it still says nothing";
 }
 
 TEST_F(ProgramTest, checksThatACancelledRetakeChangesNothing)
