@@ -1,15 +1,16 @@
 #pragma once
 
+#include "base/Descriptor.h"
+#include "base/HelperProcess.h"
 #include "base/OverlayProtocol.h"
 #include "base/WakeUp.h"
 #include "render/Bitmap.h"
 
+#include <array>
 #include <chrono>
 #include <filesystem>
 #include <optional>
 #include <string>
-
-#include <sys/types.h>
 
 namespace vantry {
 
@@ -25,30 +26,28 @@ public:
 
     /// `interrupt` makes a rendering fail at once; it outlives the helper.
     OverlayHelper(const std::filesystem::path& program, const WakeUp& interrupt);
-    ~OverlayHelper();
-
-    OverlayHelper(const OverlayHelper&) = delete;
-    OverlayHelper& operator=(const OverlayHelper&) = delete;
 
     /// The fragment's bitmap, or nothing when the helper could not make one and is ready for the next. The time that the helper
     /// takes to start does not count.
     std::optional<Bitmap> render(const std::string& fragment, double cssWidth, std::chrono::milliseconds longest);
 
     /// False once it has ended, whatever it ended of.
-    bool isRunning() const;
+    bool isRunning() const { return m_process.isRunning(); }
 
 private:
+    /// Our end and the helper's.
+    using Connection = std::array<Descriptor, 2>;
     using Deadline = std::chrono::steady_clock::time_point;
 
-    void start(const std::filesystem::path& program, int theirs);
+    OverlayHelper(const std::filesystem::path& program, const WakeUp& interrupt, Connection connection);
     void awaitStart();
     void send(const void* bytes, std::size_t size, Deadline deadline) const;
     void receive(void* bytes, std::size_t size, Deadline deadline) const;
     void waitFor(short events, Deadline deadline) const;
 
     const WakeUp& m_interrupt;
-    int m_socket = -1;
-    pid_t m_process = -1;
+    const Descriptor m_socket;
+    HelperProcess m_process;
     bool m_hasStarted = false;
 };
 
