@@ -9,6 +9,8 @@
 #include "transcribe/SphinxEngine.h"
 #include "transcribe/WhisperEngine.h"
 
+#include <QString>
+
 #include <algorithm>
 #include <utility>
 
@@ -25,18 +27,11 @@ std::optional<int> microphoneTrack(const std::filesystem::path& movie)
     return std::nullopt;
 }
 
-std::string trimmed(const std::string& text)
-{
-    constexpr auto blanks = " \t\r\n\v\f";
-    const auto first = text.find_first_not_of(blanks);
-    return first == std::string::npos ? std::string() : text.substr(first, text.find_last_not_of(blanks) + 1 - first);
-}
-
-/// Without blanks around texts, and without lines of nothing else.
+/// Without white space around texts, and without lines of nothing else.
 std::vector<Line> tidied(std::vector<Line> lines)
 {
     for (Line& line : lines) {
-        line.text = trimmed(line.text);
+        line.text = QString::fromStdString(line.text).trimmed().toStdString();
         line.end = std::max(line.start, line.end);
     }
     std::erase_if(lines, [](const Line& line) { return line.text.empty(); });

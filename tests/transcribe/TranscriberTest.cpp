@@ -91,8 +91,8 @@ protected:
         std::ofstream(m_options.models / "model.bin", std::ios::binary).write(model.data(), model.size());
     }
 
-    const QByteArray m_model = test::scriptedModel(
-        { { 0, 1.5, { " Hello", " there", "." } }, { 1.5, 20, { " ", " How", " are you?" } }, { 20, 28, { " " } } });
+    const QByteArray m_model = test::scriptedModel({ { 0, 1.5, { " \u00a0Hello", " there", ".\u2028" } },
+        { 1.5, 20, { " \u3000", " How", " are you?" } }, { 20, 28, { " \u3000\u00a0" } } });
 };
 
 } // namespace
