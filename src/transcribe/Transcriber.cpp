@@ -82,13 +82,30 @@ std::optional<std::vector<Line>> Transcriber::transcribe(
         return std::nullopt;
     if (!isSpoken)
         return std::vector<Line>();
-    const SpeechEngine* engine = chooseEngine(locale, cancel);
-    if (!engine)
-        return std::nullopt;
-    auto lines = m_options.helper.recognise(engine->command(language), speech, cancel);
+    auto lines = recognise(speech, locale, cancel);
     if (!lines)
         return std::nullopt;
     return tidied(*std::move(lines));
+}
+
+/// Once more where it failed of a model that has been damaged since it was fetched.
+std::optional<std::vector<Line>> Transcriber::recognise(
+    const SpeechFile& speech, const std::string& locale, const std::stop_token& cancel)
+{
+    for (;;) {
+        const SpeechEngine* engine = chooseEngine(locale, cancel);
+        if (!engine)
+            return std::nullopt;
+        try {
+            return m_options.helper.recognise(engine->command(languageOf(locale)), speech, cancel);
+        } catch (const AppError&) {
+            const bool isDiscarded = !m_hasFetched && engine->discardDamagedModel(cancel);
+            if (cancel.stop_requested())
+                return std::nullopt;
+            if (!isDiscarded)
+                throw;
+        }
+    }
 }
 
 /// One that can start; nothing when cancelled.
@@ -132,7 +149,8 @@ bool Transcriber::fetchModel(const SpeechModel& model, const std::stop_token& ca
         qCWarning(logTranscribe) << error.what();
     }
     tell(std::nullopt);
-    return fetched == Fetched::Complete;
+    m_hasFetched = fetched == Fetched::Complete;
+    return m_hasFetched;
 }
 
 } // namespace vantry

@@ -22,7 +22,8 @@ class SpeechFile;
 ///
 /// The better engine is taken where it knows the language. If its model is not here it is fetched, and everybody waits for that as
 /// long as bytes come: a clip is transcribed only once. Where the model cannot be had, English falls back to the engine that is
-/// always here. An attempt that failed is not repeated by the same transcriber, so make one for each run over a project.
+/// always here. A model that turns out to be damaged counts as missing. An attempt that failed is not repeated by the same
+/// transcriber, so make one for each run over a project.
 class Transcriber {
 public:
     struct Options {
@@ -48,12 +49,14 @@ public:
 private:
     using Engines = std::vector<std::unique_ptr<const SpeechEngine>>;
 
+    std::optional<std::vector<Line>> recognise(const SpeechFile& speech, const std::string& locale, const std::stop_token& cancel);
     const SpeechEngine* chooseEngine(const std::string& locale, const std::stop_token& cancel);
     bool fetchModel(const SpeechModel& model, const std::stop_token& cancel);
 
     const Options m_options;
     const OnFetching m_onFetching;
     Engines m_engines; ///< The best first. Those whose model cannot be had are taken out.
+    bool m_hasFetched = false; ///< A model, which was whole then: it is not checked again.
     std::string m_problem; ///< Why the last of these could not.
 };
 

@@ -1,7 +1,12 @@
 #include "transcribe/WhisperEngine.h"
 
+#include "base/Log.h"
+
+#include <QCryptographicHash>
+
 #include <algorithm>
 #include <array>
+#include <fstream>
 #include <string_view>
 #include <utility>
 
@@ -39,6 +44,23 @@ bool isProcessorFit()
 #endif
 }
 
+/// In lower-case hexadecimal digits, of as much as can be read. Nothing when it cannot be opened, or when cancelled.
+std::optional<std::string> sha256Of(const fs::path& file, const std::stop_token& cancel)
+{
+    std::ifstream bytes(file, std::ios::binary);
+    if (!bytes)
+        return std::nullopt;
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    std::vector<char> piece(1 << 20);
+    while (bytes && !cancel.stop_requested()) {
+        bytes.read(piece.data(), static_cast<std::streamsize>(piece.size()));
+        hash.addData(QByteArrayView(piece.data(), bytes.gcount()));
+    }
+    if (cancel.stop_requested())
+        return std::nullopt;
+    return hash.result().toHex().toStdString();
+}
+
 } // namespace
 
 WhisperEngine::WhisperEngine(fs::path folder, SpeechModel model)
@@ -54,11 +76,21 @@ bool WhisperEngine::supports(const std::string& language) const
 
 std::optional<SpeechModel> WhisperEngine::missingModel() const
 {
-    // It was checked when it was fetched.
+    // All of it was checked when it was fetched, and is again when it fails.
     std::error_code ignored;
     if (fs::is_regular_file(file(), ignored) && fs::file_size(file(), ignored) == static_cast<std::uintmax_t>(m_model.bytes))
         return std::nullopt;
     return m_model;
+}
+
+bool WhisperEngine::discardDamagedModel(const std::stop_token& cancel) const
+{
+    const auto sha256 = sha256Of(file(), cancel);
+    if (!sha256 || *sha256 == m_model.sha256)
+        return false;
+    qCWarning(logTranscribe) << "The speech model is damaged:" << file().c_str();
+    std::error_code ignored;
+    return fs::remove(file(), ignored);
 }
 
 std::vector<std::string> WhisperEngine::command(const std::string& language) const

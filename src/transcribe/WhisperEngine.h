@@ -14,6 +14,7 @@ public:
 
     bool supports(const std::string& language) const override;
     std::optional<SpeechModel> missingModel() const override;
+    bool discardDamagedModel(const std::stop_token& cancel) const override;
     std::vector<std::string> command(const std::string& language) const override;
 
 private:

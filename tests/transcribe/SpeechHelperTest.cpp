@@ -2,6 +2,7 @@
 
 #include "base/AppError.h"
 #include "support/TemporaryFolder.h"
+#include "transcribe/ShellHelper.h"
 #include "transcribe/SpeechFile.h"
 #include "transcribe/SpeechProtocol.h"
 
@@ -9,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <fstream>
 #include <thread>
 
 namespace vantry {
@@ -24,13 +24,7 @@ namespace {
 /// With programs of the shell in the helper's place.
 class SpeechHelperTest : public testing::Test {
 protected:
-    SpeechHelper helper(const std::string& script)
-    {
-        const fs::path program = m_folder / "helper";
-        std::ofstream(program) << "#!/bin/sh\n" << script << "\n";
-        fs::permissions(program, fs::perms::owner_all);
-        return { .program = program };
-    }
+    SpeechHelper helper(const std::string& script) { return test::shellHelper(m_folder / "helper", script); }
 
     std::string failureOf(const SpeechHelper& helper)
     {

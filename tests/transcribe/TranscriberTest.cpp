@@ -8,6 +8,7 @@
 #include "support/ScriptedModel.h"
 #include "support/TestMovie.h"
 #include "support/Voice.h"
+#include "transcribe/ShellHelper.h"
 #include "transcribe/TemporaryPlace.h"
 
 #include <QCryptographicHash>
@@ -15,7 +16,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
 #include <fstream>
+#include <thread>
 
 namespace vantry {
 
@@ -36,6 +40,14 @@ std::string textOf(const std::vector<Line>& lines)
     for (const Line& line : lines)
         text += (text.empty() ? "" : " ") + line.text;
     return text;
+}
+
+/// Whether this process reads it.
+bool isOpenHere(const fs::path& file)
+{
+    std::error_code ignored; // What was open may be closed meanwhile.
+    return std::ranges::any_of(fs::directory_iterator("/proc/self/fd"),
+        [&](const auto& entry) { return fs::read_symlink(entry.path(), ignored) == file; });
 }
 
 /// Clips as they are recorded, in which synthetic voices speak.
@@ -78,17 +90,29 @@ protected:
 /// With a model that is not trained.
 class WhisperTest : public TranscriberTest {
 protected:
-    WhisperTest()
+    WhisperTest() { publish(m_model); }
+
+    void publish(const QByteArray& model)
     {
         m_options.model = SpeechModel{ .file = "model.bin",
-            .bytes = m_model.size(),
-            .sha256 = QCryptographicHash::hash(m_model, QCryptographicHash::Sha256).toHex().toStdString() };
+            .bytes = model.size(),
+            .sha256 = QCryptographicHash::hash(model, QCryptographicHash::Sha256).toHex().toStdString() };
     }
+
+    fs::path installed() const { return m_options.models / m_options.model->file; }
 
     void install(const QByteArray& model)
     {
         fs::create_directories(m_options.models);
-        std::ofstream(m_options.models / "model.bin", std::ios::binary).write(model.data(), model.size());
+        std::ofstream(installed(), std::ios::binary).write(model.data(), model.size());
+    }
+
+    /// Of the right size, but it says at its beginning that it is something else.
+    QByteArray damaged() const { return QByteArray(m_model).replace(0, 4, "none"); }
+
+    fs::path voice()
+    {
+        return clip(test::joined({ test::quiet(0.5), test::spoken("Welcome to my channel", "awb"), test::quiet(0.5) }));
     }
 
     const QByteArray m_model = test::scriptedModel({ { 0, 1.5, { " \u00a0Hello", " there", ".\u2028" } },
@@ -218,11 +242,65 @@ TEST_F(WhisperTest, aModelThatCannotBeHadIsAskedForOnceAndEnglishNeedsNone)
     EXPECT_THAT(failureOf(movie, "de-DE"), HasSubstr("could not be downloaded")) << "there is a network, but no model";
 }
 
-TEST_F(WhisperTest, aModelThatIsNoneIsAnError)
+TEST_F(WhisperTest, aModelThatIsWholeButNoneIsAnError)
 {
-    install(QByteArray(m_model.size(), 'x'));
-    const auto movie = clip(test::spoken("Welcome to my channel", "awb"));
-    EXPECT_THAT(failureOf(movie), HasSubstr("model.bin cannot be used"));
+    const QByteArray nonsense(m_model.size(), 'x');
+    publish(nonsense);
+    install(nonsense);
+    const ModelServer server([&](qsizetype) { return ModelServer::whole(nonsense); });
+    m_options.source = server.source();
+    EXPECT_THAT(failureOf(voice()), HasSubstr("model.bin cannot be used"));
+    EXPECT_THAT(server.requests(), IsEmpty());
+}
+
+TEST_F(WhisperTest, aModelThatWasDamagedIsFetchedAnew)
+{
+    install(damaged());
+    const ModelServer server([&](qsizetype from) { return ModelServer::rest(m_model, from); });
+    m_options.source = server.source();
+    for (int run = 0; run < 2; ++run)
+        EXPECT_THAT(textOf(linesOf(voice(), "de-DE")), HasSubstr("Hello there."));
+    EXPECT_THAT(server.requests(), ElementsAre(0)) << "once";
+}
+
+TEST_F(WhisperTest, withoutAWayToAnotherADamagedModelIsAMissingOne)
+{
+    install(damaged());
+    Transcriber transcriber(m_options);
+    EXPECT_THAT(textOf(*transcriber.transcribe(voice(), "en-US")), HasSubstr("welcome to my channel"));
+    EXPECT_FALSE(fs::exists(installed()));
+    install(damaged());
+    EXPECT_THAT(failureOf(voice(), "de-DE"), HasSubstr("doesn't support “de-DE”"));
+}
+
+TEST_F(WhisperTest, aModelThatIsDamagedAgainAndAgainIsFetchedOnce)
+{
+    install(m_model);
+    m_options.helper =
+        test::shellHelper(m_folder / "helper", "[ $1 = whisper ] && printf x | dd of=\"$2\" conv=notrunc status=none; exit 3");
+    const ModelServer server([&, asked = 0](qsizetype from) mutable {
+        return ++asked == 1 ? ModelServer::rest(m_model, from) : ModelServer::Reply{ .status = 404 };
+    });
+    m_options.source = server.source();
+    EXPECT_THAT(failureOf(voice()), HasSubstr("ended unexpectedly"));
+    EXPECT_THAT(server.requests(), ElementsAre(0));
+}
+
+TEST_F(WhisperTest, cancellingDoesNotWaitUntilAModelIsChecked)
+{
+    constexpr std::int64_t tooMuch = 1LL << 40; // for anybody to wait for
+    m_options.model->bytes = tooMuch;
+    install({});
+    fs::resize_file(installed(), tooMuch);
+    m_options.helper.program = "/bin/false";
+    std::stop_source cancel;
+    const std::jthread canceller([&](const std::stop_token& end) {
+        while (!isOpenHere(installed()) && !end.stop_requested())
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        cancel.request_stop();
+    });
+    EXPECT_EQ(Transcriber(m_options).transcribe(voice(), "de-DE", cancel.get_token()), std::nullopt);
+    EXPECT_TRUE(fs::exists(installed())) << "nobody knows that it is damaged";
 }
 
 } // namespace vantry
