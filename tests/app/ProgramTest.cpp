@@ -2,6 +2,7 @@
 #include "project/ProjectFile.h"
 #include "project/Timeline.h"
 #include "support/Command.h"
+#include "support/HoldsSoon.h"
 #include "support/MovieProbe.h"
 #include "support/SilentServer.h"
 #include "support/TemporaryFolder.h"
@@ -22,6 +23,7 @@ namespace vantry {
 
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
+using test::holdsSoon;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -120,18 +122,6 @@ protected:
     bool says(const std::string& text)
     {
         return holdsSoon([&] { return contents(errorFile()).find(text) != std::string::npos; });
-    }
-
-    template <typename Condition>
-    static bool holdsSoon(Condition condition)
-    {
-        const auto deadline = std::chrono::steady_clock::now() + 60s;
-        while (!condition()) {
-            if (std::chrono::steady_clock::now() > deadline)
-                return false;
-            std::this_thread::sleep_for(10ms);
-        }
-        return true;
     }
 
     /// Whether a clip is, or was, recorded.

@@ -1,14 +1,13 @@
+#include "support/HoldsSoon.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <iterator>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <csignal>
@@ -19,20 +18,9 @@
 namespace vantry {
 
 namespace fs = std::filesystem;
-using namespace std::chrono_literals;
+using test::holdsSoon;
 
 namespace {
-
-bool pumpUntil(const std::function<bool()>& condition)
-{
-    const auto deadline = std::chrono::steady_clock::now() + 20s;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline)
-            return false;
-        std::this_thread::sleep_for(5ms);
-    }
-    return true;
-}
 
 std::string contentOf(const fs::path& path)
 {
@@ -79,7 +67,7 @@ public:
     int status()
     {
         int status = 0;
-        if (!pumpUntil([&] { return waitpid(m_guard, &status, WNOHANG) != 0; }))
+        if (!holdsSoon([&] { return waitpid(m_guard, &status, WNOHANG) != 0; }))
             return -1;
         return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
     }
@@ -117,13 +105,13 @@ constexpr int sleepersStarted = 5;
 bool allRun(const GuardedScript& script, int sleepers = sleepersStarted)
 {
     const auto sleeps = [](pid_t process) { return contentOf("/proc/" + std::to_string(process) + "/comm") == "sleep\n"; };
-    return pumpUntil([&] { return std::ranges::count_if(script.processes(), sleeps) == sleepers; });
+    return holdsSoon([&] { return std::ranges::count_if(script.processes(), sleeps) == sleepers; });
 }
 
 void expectNothingIsLeft(const GuardedScript& script, const fs::path& folder)
 {
-    EXPECT_TRUE(pumpUntil([&] { return script.processes().empty(); }));
-    EXPECT_TRUE(pumpUntil([&] { return !fs::exists(folder); })) << folder;
+    EXPECT_TRUE(holdsSoon([&] { return script.processes().empty(); }));
+    EXPECT_TRUE(holdsSoon([&] { return !fs::exists(folder); })) << folder;
 }
 
 pid_t outerGuard(const GuardedScript& script)

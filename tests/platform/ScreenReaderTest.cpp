@@ -1,6 +1,7 @@
 #include "platform/ScreenReader.h"
 
 #include "base/AppError.h"
+#include "support/HoldsSoon.h"
 #include "support/TestDesktop.h"
 #include "support/XServer.h"
 
@@ -15,6 +16,7 @@ namespace vantry {
 
 namespace {
 
+using test::holdsSoon;
 using test::Program;
 using test::TestDesktop;
 using test::XServer;
@@ -197,32 +199,22 @@ std::vector<std::uint32_t> freshlyRead()
     return canvas.pixels();
 }
 
-template <typename Condition>
-void waitUntil(Condition condition)
-{
-    const auto end = HostClock::now() + std::chrono::seconds(20);
-    while (!condition()) {
-        ASSERT_LT(HostClock::now(), end) << "never came";
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-}
-
 void waitForCompositor(const TestDesktop& desktop)
 {
-    waitUntil([&, selection = desktop.connection().atom("_NET_WM_CM_S0")] {
+    ASSERT_TRUE(holdsSoon([&, selection = desktop.connection().atom("_NET_WM_CM_S0")] {
         const auto cookie = xcb_get_selection_owner(desktop.connection(), selection);
         const auto owner = desktop.connection().receive(xcb_get_selection_owner_reply, cookie);
         return owner && owner->owner != XCB_NONE;
-    });
+    }));
 }
 
 void waitForWindowManager(const TestDesktop& desktop)
 {
-    waitUntil([&, check = desktop.connection().atom("_NET_SUPPORTING_WM_CHECK")] {
+    ASSERT_TRUE(holdsSoon([&, check = desktop.connection().atom("_NET_SUPPORTING_WM_CHECK")] {
         const auto cookie = xcb_get_property(desktop.connection(), 0, desktop.connection().root(), check, XCB_ATOM_WINDOW, 0, 1);
         const auto property = desktop.connection().receive(xcb_get_property_reply, cookie);
         return property && xcb_get_property_value_length(property.get()) > 0;
-    });
+    }));
 }
 
 const std::vector<std::string> picom{ "picom", "--config", "/dev/null", "--backend", "xrender" };

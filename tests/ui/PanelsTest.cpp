@@ -7,6 +7,7 @@
 namespace vantry {
 
 namespace fs = std::filesystem;
+using test::holdsSoon;
 using test::runCommand;
 
 namespace {

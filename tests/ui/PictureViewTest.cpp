@@ -1,17 +1,14 @@
 #include "support/Command.h"
+#include "support/HoldsSoon.h"
 #include "support/TestDesktop.h"
 #include "support/XServer.h"
 #include "ui/TestPictures.h"
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstdlib>
-#include <thread>
 
 namespace vantry {
-
-using namespace std::chrono_literals;
 
 namespace {
 
@@ -32,9 +29,7 @@ protected:
         m_height = height;
         m_program = std::make_unique<test::Program>(
             std::vector<std::string>{ PICTURE_WINDOW, "-platform", "xcb", picture, std::to_string(width), std::to_string(height) });
-        const auto deadline = std::chrono::steady_clock::now() + 20s;
-        while (!isOpen("OpenGL") && !isOpen("Software"))
-            ASSERT_LT(std::chrono::steady_clock::now(), deadline);
+        ASSERT_TRUE(test::holdsSoon([] { return isOpen("OpenGL") || isOpen("Software"); }));
         if (!isOpen(GetParam()))
             GTEST_SKIP() << "There is no " << GetParam();
         m_pixels = m_desktop.pixels({ 0, 0, width, height });

@@ -11,6 +11,7 @@
 
 namespace vantry {
 
+using test::holdsSoon;
 using test::runCommand;
 
 namespace {

@@ -1,17 +1,16 @@
 #pragma once
 
 #include "support/Command.h"
+#include "support/HoldsSoon.h"
 #include "support/TemporaryFolder.h"
 #include "support/TestDesktop.h"
 #include "support/XServer.h"
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstdio>
 #include <memory>
 #include <string>
-#include <thread>
 
 namespace vantry::test {
 
@@ -37,19 +36,6 @@ protected:
         m_program = std::make_unique<Program>(std::vector<std::string>{ "sh", "-c",
             "exec env " + environment + VANTRY_PROGRAM + " " + arguments + " >'" + (m_home / "log").string() + "' 2>&1" });
         ASSERT_TRUE(holdsSoon([&] { return isSeen("^Vantry$"); }));
-    }
-
-    template <typename Condition>
-    static bool holdsSoon(Condition condition)
-    {
-        using namespace std::chrono_literals;
-        const auto deadline = std::chrono::steady_clock::now() + 60s;
-        while (!condition()) {
-            if (std::chrono::steady_clock::now() > deadline)
-                return false;
-            std::this_thread::sleep_for(10ms);
-        }
-        return true;
     }
 
     static bool isSeen(const std::string& title)
