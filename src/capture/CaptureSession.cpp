@@ -71,7 +71,7 @@ CaptureSession::~CaptureSession()
 
 void CaptureSession::configure(const std::optional<std::string>& camera, const std::optional<std::string>& microphone)
 {
-    m_hasCamera = camera.has_value();
+    m_isCameraChosen = camera.has_value();
     m_sessionQueue.post([this, camera, microphone] {
         m_camera.want(camera);
         m_microphone.want(microphone);
@@ -163,6 +163,7 @@ void CaptureSession::expectPictures()
 {
     const auto latest = m_preview.latest();
     m_camera.expectSigns(latest ? latest->time : HostTime(), longestSilence, AppError("The camera sends no pictures"));
+    m_isCameraRefused = !m_camera.refusal().empty();
 }
 
 void CaptureSession::tell(const std::string& text)
@@ -218,6 +219,12 @@ std::optional<CameraMode> CaptureSession::awaitMode()
     if (m_camera.isOpen())
         m_changed.wait_for(lock, longestModeWait, [this] { return m_mode.has_value(); });
     return m_mode;
+}
+
+/// A camera that is refused is tried again, and its first picture comes before anybody has noted that it is well.
+bool CaptureSession::hasCamera() const
+{
+    return m_isCameraChosen && (!m_isCameraRefused || m_preview.latest());
 }
 
 std::optional<PictureSize> CaptureSession::cameraSize()

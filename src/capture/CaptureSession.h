@@ -46,8 +46,8 @@ public:
     void startCamera();
     void stopCamera();
 
-    /// A camera was chosen.
-    bool hasCamera() const { return m_hasCamera; }
+    /// A camera was chosen, and it is not refused.
+    bool hasCamera() const;
 
     /// In pixels, even; nothing without a camera. Of one that is just being opened it waits for a moment, else it is full HD.
     std::optional<PictureSize> cameraSize();
@@ -89,7 +89,8 @@ private:
     const Sinks m_sinks;
 
     // Safe to use from any thread.
-    std::atomic<bool> m_hasCamera = false;
+    std::atomic<bool> m_isCameraChosen = false;
+    std::atomic<bool> m_isCameraRefused = false;
     std::atomic<int> m_waitingPictures = 0;
     PowerMeter m_meter;
     CameraPreview m_preview;

@@ -69,7 +69,7 @@ public:
     /// at its start or before.
     CaptureSession& session() { return m_session; }
 
-    /// A camera was chosen.
+    /// A camera was chosen, and it is not refused.
     bool hasCamera() const { return m_session.hasCamera(); }
 
 private:

@@ -119,7 +119,7 @@ public:
     /// The chosen display as it is now, else the first. Nothing where there is none.
     std::optional<Display> screen() const;
 
-    /// Whether clips have a camera track.
+    /// Whether there is a camera to be seen by: one was chosen, and it is not refused.
     bool hasCamera() const;
 
     /// Diameter of the bubble as a fraction of the frame's height: the project's, else the next recording's.

@@ -190,8 +190,11 @@ TEST_F(CaptureSessionTest, opensACameraAgainThatFellSilent)
     ASSERT_TRUE(awaitPictures(3));
     program.freeze();
     EXPECT_TRUE(pumpUntil([&] { return !session.preview().latest(); }));
+    EXPECT_TRUE(pumpUntil([&] { return !session.hasCamera(); }));
     program.thaw();
-    EXPECT_TRUE(awaitPictures(3));
+    EXPECT_TRUE(awaitPictures(1));
+    EXPECT_TRUE(session.hasCamera());
+    EXPECT_TRUE(awaitPictures(2));
     EXPECT_THAT(session.refusal(), testing::IsEmpty());
 }
 

@@ -97,6 +97,7 @@ TEST_F(SourcesTest, aRefusedCameraIsToldBeforeTheCountdownAndOnlyOnce)
     EXPECT_EQ(m_model.phase(), Phase::setup());
     m_model.setAlert(std::nullopt);
 
+    EXPECT_FALSE(m_model.hasCamera()) << "no bubble is shown where no picture is recorded";
     record(1);
     EXPECT_EQ(m_model.alert(), std::nullopt);
     EXPECT_EQ(m_model.project()->clips.size(), 1u);
