@@ -1,6 +1,7 @@
 #include "model/RecordingFlow.h"
 
 #include "base/AppError.h"
+#include "capture/ClipFolder.h"
 #include "capture/Recorder.h"
 #include "model/AppModel.h"
 #include "model/CaptureDevices.h"
@@ -121,6 +122,8 @@ QCoro::Task<> RecordingFlow::startClip(std::optional<double> cutAt)
     const Phase before = m_model.phase();
     if (!m_model.project() || m_model.project()->clips.empty())
         m_model.newProject();
+    if (!canKeepClip())
+        co_return;
     m_startCancelled = false;
     m_model.setStatus(std::nullopt); // They told of the time before.
     m_model.setAlert(std::nullopt);
@@ -142,8 +145,7 @@ QCoro::Task<> RecordingFlow::startClip(std::optional<double> cutAt)
     // In setup it is what the preview shows.
     if (before == Phase::editing())
         m_devices.stopCamera();
-    if (m_model.project() && m_model.project()->clips.empty())
-        m_model.dropEmptyProject();
+    dropProjectWithoutClips();
     if (failure)
         report(startFailed + *failure);
 }
@@ -209,6 +211,25 @@ QCoro::Task<bool> RecordingFlow::permissionsOK()
         report(startFailed + describe(error));
         co_return false;
     }
+}
+
+/// Whether a clip can be put into the project's folder. Says why not, before anybody is counted in.
+bool RecordingFlow::canKeepClip()
+{
+    try {
+        checkClipFolder(*m_model.folder());
+        return true;
+    } catch (const std::exception& error) {
+        dropProjectWithoutClips();
+        report(startFailed + describe(error));
+        return false;
+    }
+}
+
+void RecordingFlow::dropProjectWithoutClips()
+{
+    if (m_model.project() && m_model.project()->clips.empty())
+        m_model.dropEmptyProject();
 }
 
 void RecordingFlow::beginClip()

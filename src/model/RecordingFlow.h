@@ -53,6 +53,8 @@ private:
     QCoro::Task<std::optional<double>> endClip();
 
     QCoro::Task<bool> permissionsOK();
+    bool canKeepClip();
+    void dropProjectWithoutClips();
     void beginClip();
     void appendClip(double duration);
     std::string unusedClipName() const;

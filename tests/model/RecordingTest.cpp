@@ -13,6 +13,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <fstream>
+
 namespace vantry {
 
 namespace fs = std::filesystem;
@@ -241,6 +243,24 @@ TEST_F(RecordingTest, aClipThatCannotBeWrittenIsNotStarted)
     ASSERT_TRUE(reaches(Phase::setup()));
     EXPECT_THAT(alert(), StartsWith("Could not start recording: "));
     EXPECT_FALSE(m_model.project());
+}
+
+TEST_F(RecordingTest, whereNothingCanBeWrittenThatIsSaidBeforeTheCountdown)
+{
+    std::ofstream(m_root.parent_path()) << "Videos is no folder here";
+    m_model.record();
+    EXPECT_EQ(
+        alert(), "Could not start recording: Nothing can be written into " + m_root.parent_path().string() + ": Not a directory");
+    EXPECT_FALSE(m_model.project());
+    fs::remove(m_root.parent_path());
+
+    const fs::path moved = writeProject("moved");
+    m_model.open(moved);
+    fs::remove_all(moved);
+    m_model.record(1.0);
+    EXPECT_EQ(alert(), "Could not start recording: Nothing can be written into " + moved.string() + ": No such file or directory");
+    EXPECT_EQ(totalLength(*m_model.project()), 10);
+    EXPECT_THAT(m_phases, ElementsAre(Phase::editing()));
 }
 
 TEST_F(RecordingTest, quittingKeepsTheClip)
