@@ -259,6 +259,9 @@ Q_SIGNALS:
     void recentChanged();
     void readyToQuit();
 
+    /// The user, who may be working in another program, should see what the window says.
+    void attentionWanted();
+
 private:
     // As the views' bindings want them: absent is empty.
     QString folderText() const;

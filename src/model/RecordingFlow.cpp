@@ -329,9 +329,11 @@ void RecordingFlow::tick()
     m_model.setLiveTime(keptLength() + m_recorder.elapsed());
 }
 
+/// A key in another program may have asked for what failed.
 void RecordingFlow::report(const QString& failure)
 {
     m_model.setAlert(failure);
+    Q_EMIT m_model.attentionWanted();
 }
 
 } // namespace vantry

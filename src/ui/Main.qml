@@ -52,6 +52,21 @@ ApplicationWindow {
             y = place.y;
         }
         wasShown = true;
+        comeForward();
+    }
+
+    Connections {
+        target: window.model
+
+        function onAttentionWanted() {
+            if (window.visible)
+                window.comeForward();
+        }
+    }
+
+    function comeForward() {
+        if (visibility === Window.Minimized)
+            showNormal();
         raise();
         requestActivate();
     }

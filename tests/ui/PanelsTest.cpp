@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <fstream>
+
 namespace vantry {
 
 namespace fs = std::filesystem;
@@ -135,6 +137,24 @@ TEST_F(PanelsTest, floatAboveFullScreenWindowsAndLeaveThemTheKeyboard)
     EXPECT_TRUE(holdsSoon([&] { return project().clips.size() == 1; }));
     EXPECT_TRUE(holdsSoon([&] { return isSeen("^Vantry$") && !isSeen("Vantry controls"); }));
     EXPECT_TRUE(holdsSoon([&] { return focused() != later; })) << "the window came back to be used";
+}
+
+TEST_F(PanelsTest, areNotShownForWhatCannotBeRecordedAndTheWindowSaysWhy)
+{
+    std::ofstream(m_home / "Videos") << "no folder";
+    for (const bool isMinimised : { false, true }) {
+        if (isMinimised)
+            runCommand("xdotool search --name '^Vantry$' windowminimize");
+        focus(m_other);
+        ASSERT_TRUE(holdsSoon([&] { return colourAt(640, 360) == green; }));
+        // Until the program listens to keys.
+        EXPECT_TRUE(holdsSoon([&] {
+            runCommand("xdotool key ctrl+alt+r");
+            return focused() != m_other && colourAt(640, 360) != green;
+        }));
+        EXPECT_FALSE(isSeen("Vantry controls"));
+        runCommand("xdotool key Return");
+    }
 }
 
 TEST_F(PanelsTest, areDraggedByTheirBackground)
