@@ -34,9 +34,15 @@ QVariantList forViews(const std::vector<MediaDevice>& devices)
     return list;
 }
 
+const MediaDevice* find(const std::vector<MediaDevice>& devices, const std::string& id)
+{
+    const auto found = std::ranges::find(devices, id, &MediaDevice::id);
+    return found == devices.end() ? nullptr : &*found;
+}
+
 bool contains(const std::vector<MediaDevice>& devices, const QString& id)
 {
-    return std::ranges::find(devices, id.toStdString(), &MediaDevice::id) != devices.end();
+    return find(devices, id.toStdString()) != nullptr;
 }
 
 } // namespace
@@ -104,6 +110,8 @@ void CaptureDevices::take(const MediaDeviceList& devices)
     Settings& settings = *m_model.settings();
     if (isFirst ? !contains(devices.cameras, settings.cameraID()) : settings.cameraID().isEmpty())
         settings.setCameraID(devices.cameras.empty() ? QString() : QString::fromStdString(devices.cameras.front().id));
+    if (isFirst && !settings.micID().isEmpty() && microphoneTrouble())
+        m_model.setStatus(microphoneTrouble());
     if (isFirst ? !contains(devices.microphones, settings.micID()) : settings.micID().isEmpty())
         settings.setMicID(QString::fromStdString(devices.defaultMicrophone.value_or(std::string())));
     reconfigure();
@@ -132,10 +140,26 @@ void CaptureDevices::configure()
         camera = m_model.settings()->cameraID().toStdString();
     else if (!m_devices.cameras.empty())
         camera = m_devices.cameras.front().id;
-    std::optional<std::string> microphone = m_devices.defaultMicrophone;
-    if (contains(m_devices.microphones, m_model.settings()->micID()))
-        microphone = m_model.settings()->micID().toStdString();
-    m_recorder.session().configure(camera, microphone);
+    const MediaDevice* mic = microphone();
+    m_recorder.session().configure(camera, mic ? std::optional(mic->id) : std::nullopt);
+}
+
+/// The chosen one, else the system's own.
+const MediaDevice* CaptureDevices::microphone() const
+{
+    const MediaDevice* chosen = find(m_devices.microphones, m_model.settings()->micID().toStdString());
+    return chosen || !m_devices.defaultMicrophone ? chosen : find(m_devices.microphones, *m_devices.defaultMicrophone);
+}
+
+std::optional<QString> CaptureDevices::microphoneTrouble() const
+{
+    const MediaDevice* mic = microphone();
+    if (!mic)
+        return u"No microphone was found: your voice is not recorded."_s;
+    const QString chosen = m_model.settings()->micID();
+    if (chosen.isEmpty() || chosen.toStdString() == mic->id)
+        return std::nullopt;
+    return "The chosen microphone is not there: "_L1 + QString::fromStdString(mic->name) + " is recorded."_L1;
 }
 
 /// A clip keeps the devices that it was begun with: one that vanishes leaves a gap until it is back.

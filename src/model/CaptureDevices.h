@@ -54,6 +54,9 @@ public:
     void startCamera();
     void stopCamera();
 
+    /// For the user: that there is no microphone, or another one than the chosen one. Nothing when it is as chosen.
+    std::optional<QString> microphoneTrouble() const;
+
     /// Keeps `micLevel` up to date.
     void startMeter() { m_meter.start(); }
 
@@ -67,6 +70,7 @@ private:
     QVariantList camerasForViews() const;
     QVariantList micsForViews() const;
     void take(const MediaDeviceList& devices);
+    const MediaDevice* microphone() const;
     void configure();
     void reconfigure();
     void measure();

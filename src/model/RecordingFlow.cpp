@@ -58,7 +58,14 @@ void RecordingFlow::listenToRecorder()
     m_recorder.setOnStreamError(
         onMainThread([](RecordingFlow& flow, const QString& description) { flow.onStreamError(description); }));
     m_recorder.setOnClipProblem(onMainThread([](RecordingFlow& flow, const QString& text) { flow.onClipProblem(text); }));
-    m_recorder.setOnStatus(onMainThread([](RecordingFlow& flow, const QString& text) { flow.m_model.setStatus(text); }));
+    m_recorder.setOnStatus(onMainThread([](RecordingFlow& flow, const QString& text) { flow.tell(text); }));
+}
+
+/// What is not recorded is told while the presenter is counted in, all of it.
+void RecordingFlow::tell(const QString& status)
+{
+    const std::optional<QString>& before = m_model.status();
+    m_model.setStatus(m_model.phase().isCountdown() && before ? *before + u' ' + status : status);
 }
 
 void RecordingFlow::onStreamError(const QString& description)
@@ -125,7 +132,7 @@ QCoro::Task<> RecordingFlow::startClip(std::optional<double> cutAt)
     if (!canKeepClip())
         co_return;
     m_startCancelled = false;
-    m_model.setStatus(std::nullopt); // They told of the time before.
+    m_model.setStatus(m_devices.microphoneTrouble()); // Status and alert told of the time before.
     m_model.setAlert(std::nullopt);
     m_model.setPhase(Phase::countdown(countdownFrom));
 

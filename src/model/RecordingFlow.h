@@ -61,6 +61,7 @@ private:
     double keptLength() const;
     void tick();
     void listenToRecorder();
+    void tell(const QString& status);
     void onStreamError(const QString& description);
     void onClipProblem(const QString& text);
     void report(const QString& failure);

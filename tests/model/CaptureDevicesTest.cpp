@@ -45,6 +45,8 @@ TEST_F(CaptureDevicesTest, aChoiceThatIsNotThereGivesWayAtTheStartOnly)
     EXPECT_THAT(m_devices.mics(), Contains(Field(&MediaDevice::name, "Test microphone")));
     EXPECT_EQ(m_settings.cameraID().toStdString(), m_devices.cameras().front().id);
     EXPECT_EQ(m_settings.micID(), u"test-microphone"_s);
+    EXPECT_EQ(m_model.status(), u"The chosen microphone is not there: Test microphone is recorded."_s);
+    EXPECT_EQ(m_devices.microphoneTrouble(), std::nullopt) << "it is the chosen one now";
 
     {
         const test::OwnCamera camera;
@@ -54,6 +56,9 @@ TEST_F(CaptureDevicesTest, aChoiceThatIsNotThereGivesWayAtTheStartOnly)
     EXPECT_TRUE(pumpUntil([&] { return !hasCamera(m_settings.cameraID().toStdString()); }))
         << "what was unplugged is listed no more";
     EXPECT_THAT(m_settings.cameraID().toStdString(), HasSubstr("camera-")) << "and comes back";
+
+    m_settings.setMicID(u"unplugged microphone"_s);
+    EXPECT_EQ(m_devices.microphoneTrouble(), u"The chosen microphone is not there: Test microphone is recorded."_s);
 }
 
 TEST_F(CaptureDevicesTest, aRunningCameraFollowsTheChoice)

@@ -206,6 +206,19 @@ TEST_F(RecordingTest, otherCommandsWaitUntilTheRecordingIsOver)
     EXPECT_EQ(m_model.pendingSeek(), 0) << "never before the start";
 }
 
+TEST_F(RecordingTest, whatIsNotHeardIsSaidWhileCounting)
+{
+    const auto status = [&] { return m_model.status().value_or(QString()).toStdString(); };
+    m_server.kill();
+    ASSERT_TRUE(pumpUntil([&] { return m_model.status().has_value(); })) << "the connection is lost";
+    m_model.record();
+    ASSERT_EQ(m_model.phase(), Phase::countdown(3));
+    EXPECT_THAT(status(), StartsWith("No microphone was found"));
+    EXPECT_TRUE(pumpUntil([&] { return status().find("Other applications' sound is not recorded") != std::string::npos; }));
+    EXPECT_THAT(status(), StartsWith("No microphone was found"));
+    ASSERT_TRUE(reaches(Phase::recording())) << alert();
+}
+
 TEST_F(RecordingTest, aScreenThatVanishesEndsTheClip)
 {
     m_model.record();
