@@ -7,6 +7,7 @@
 #include "capture/EncoderQueue.h"
 #include "capture/PictureTrack.h"
 #include "capture/SoundTrack.h"
+#include "media/MovieSalvage.h"
 #include "media/Muxer.h"
 
 #include <algorithm>
@@ -160,6 +161,7 @@ void ClipWriter::State::removeFile()
     std::error_code error;
     if (std::filesystem::is_regular_file(file, error))
         std::filesystem::remove(file, error);
+    forgetJournal(file);
 }
 
 /// Runs on the track's thread; what it is given goes on to the writing thread.

@@ -2,30 +2,21 @@
 
 #include "base/Durability.h"
 #include "media/AudioEncoder.h"
-#include "media/Libav.h"
+#include "media/MovieJournal.h"
+#include "media/MovieOutput.h"
 #include "media/VideoEncoder.h"
 
 #include <algorithm>
 #include <deque>
+#include <iterator>
+#include <vector>
 
 namespace vantry {
 
 namespace {
 
-/// Divides into both pictures' and samples' times, so that a late track's empty edit is exact.
-constexpr const char* movieTimescale = "720000";
-
 /// How far a clip's end may lie before the newest packet that was written.
 constexpr MediaTime longestCut = std::chrono::seconds(1);
-
-void closeOutput(AVFormatContext** output)
-{
-    avio_closep(&(*output)->pb);
-    avformat_free_context(*output);
-    *output = nullptr;
-}
-
-using OutputPtr = std::unique_ptr<AVFormatContext, libav::Deleter<closeOutput>>;
 
 struct OutputTrack {
     AVStream* stream = nullptr;
@@ -48,11 +39,13 @@ bool isVideo(const OutputTrack& track)
 struct Muxer::State {
     std::filesystem::path file;
     MovieFormat format;
-    OutputPtr output;
+    libav::OutputPtr output;
     std::deque<OutputTrack> tracks;
+    std::optional<MovieJournal> journal; ///< Of a clip.
 
     std::string what() const { return "Could not write " + file.filename().string(); }
     int addTrack(const AVCodecContext& encoder);
+    void beginJournal();
     bool isLeftOut(const OutputTrack& track, const AVPacket& packet) const;
     void hand(OutputTrack& track, Packet packet);
     void endAt(OutputTrack& track, MediaTime end);
@@ -60,13 +53,20 @@ struct Muxer::State {
 
 int Muxer::State::addTrack(const AVCodecContext& encoder)
 {
-    AVStream* stream = avformat_new_stream(output.get(), nullptr);
-    if (!stream)
-        throw std::bad_alloc();
-    libav::check(avcodec_parameters_from_context(stream->codecpar, &encoder), what());
-    stream->time_base = encoder.time_base;
-    tracks.push_back({ .stream = stream, .timeBase = encoder.time_base, .held = {} });
-    return stream->index;
+    const auto parameters = libav::makeParameters();
+    libav::check(avcodec_parameters_from_context(parameters.get(), &encoder), what());
+    AVStream& stream = libav::addStream(*output, *parameters, encoder.time_base);
+    tracks.push_back({ .stream = &stream, .timeBase = encoder.time_base, .held = {} });
+    return stream.index;
+}
+
+void Muxer::State::beginJournal()
+{
+    std::vector<AVRational> timeBases;
+    std::ranges::transform(tracks, std::back_inserter(timeBases), &OutputTrack::timeBase);
+    journal.emplace(file, *output, timeBases);
+    // What the journal knows of must be in the file.
+    output->flush_packets = 1;
 }
 
 /// The packet with nothing but the encoder's priming, where no edit list could say so.
@@ -80,10 +80,12 @@ void Muxer::State::hand(OutputTrack& track, Packet packet)
     packet->stream_index = track.stream->index;
     av_packet_rescale_ts(packet.get(), track.timeBase, track.stream->time_base);
     // An export's tracks need not come in step, a clip's do: there nothing waits in memory for a camera that does not deliver.
-    if (format == MovieFormat::Publish)
+    if (format == MovieFormat::Publish) {
         libav::check(av_interleaved_write_frame(output.get(), packet.get()), what());
-    else
+    } else {
         libav::check(av_write_frame(output.get(), packet.get()), what());
+        journal->add(*packet, avio_tell(output->pb));
+    }
 }
 
 void Muxer::State::endAt(OutputTrack& track, MediaTime end)
@@ -103,20 +105,15 @@ Muxer::Muxer(const std::filesystem::path& file, MovieFormat format)
 {
     // The protocol is named because a file's name may hold a colon.
     const std::string url = "file:" + file.string();
-    AVFormatContext* output = nullptr;
-    libav::check(avformat_alloc_output_context2(&output, nullptr, format == MovieFormat::Clip ? "mov" : "mp4", url.c_str()),
-        m_state->what());
-    m_state->output.reset(output);
-    libav::check(avio_open(&output->pb, url.c_str(), AVIO_FLAG_WRITE), m_state->what());
+    m_state->output = libav::makeOutput(format, url, m_state->what());
+    libav::check(avio_open(&m_state->output->pb, url.c_str(), AVIO_FLAG_WRITE), m_state->what());
 }
 
 Muxer::~Muxer() = default;
 
 int Muxer::addTrack(const VideoEncoder& encoder)
 {
-    const int track = m_state->addTrack(encoder.context());
-    m_state->tracks.back().stream->sample_aspect_ratio = encoder.context().sample_aspect_ratio;
-    return track;
+    return m_state->addTrack(encoder.context());
 }
 
 int Muxer::addTrack(const AudioEncoder& encoder)
@@ -126,16 +123,10 @@ int Muxer::addTrack(const AudioEncoder& encoder)
 
 void Muxer::start()
 {
-    auto& output = *m_state->output;
-    const auto set = [&](const char* option, const char* value) {
-        libav::check(av_opt_set(output.priv_data, option, value, 0), m_state->what());
-    };
-    set("movie_timescale", movieTimescale);
-    if (m_state->format == MovieFormat::Publish) {
-        set("use_editlist", "0");
-        set("movflags", "+faststart+negative_cts_offsets");
-    }
-    libav::check(avformat_write_header(&output, nullptr), m_state->what());
+    auto& state = *m_state;
+    libav::writeHeader(*state.output, state.format, state.what());
+    if (state.format == MovieFormat::Clip)
+        state.beginJournal();
 }
 
 void Muxer::write(int track, Packet packet)
@@ -166,6 +157,8 @@ void Muxer::finish(std::optional<MediaTime> end)
     libav::check(av_write_trailer(state.output.get()), state.what());
     libav::check(avio_closep(&state.output->pb), state.what());
     makeDurable(state.file);
+    if (state.journal)
+        MovieJournal::remove(state.file);
 }
 
 } // namespace vantry

@@ -1,0 +1,152 @@
+#include "media/MovieJournal.h"
+
+#include "base/Log.h"
+
+#include <array>
+#include <cerrno>
+#include <fstream>
+#include <new>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <type_traits>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+namespace vantry {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view prefix = ".";
+constexpr std::string_view ending = ".journal";
+
+/// What follows is as it lies in memory, so it is read by a program that lays it out in the same way.
+struct Head {
+    std::array<char, 16> magic{ 'v', 'a', 'n', 't', 'r', 'y', ' ', 'j', 'o', 'u', 'r', 'n', 'a', 'l', ' ', '1' };
+    std::uint32_t codecs = avcodec_version();
+    std::uint32_t formats = avformat_version();
+    std::uint32_t tracks = 0;
+
+    bool operator==(const Head&) const = default;
+};
+
+/// Its extra data follows it.
+struct TrackHead {
+    AVCodecParameters parameters;
+    AVRational timeBase;
+};
+
+static_assert(std::is_trivially_copyable_v<Head>);
+static_assert(std::is_trivially_copyable_v<TrackHead>);
+static_assert(std::is_trivially_copyable_v<MovieJournal::Entry>);
+
+constexpr std::uint32_t mostTracks = 16;
+constexpr int mostExtradata = 1 << 20;
+
+template <typename T>
+bool read(std::istream& stream, T& value)
+{
+    return static_cast<bool>(stream.read(reinterpret_cast<char*>(&value), sizeof value));
+}
+
+/// Nothing where the bytes cannot be those of a track.
+libav::ParametersPtr readParameters(std::istream& stream, const AVCodecParameters& written)
+{
+    const int extradata = written.extradata_size;
+    const auto order = written.ch_layout.order;
+    if (extradata < 0 || extradata > mostExtradata || (order != AV_CHANNEL_ORDER_NATIVE && order != AV_CHANNEL_ORDER_UNSPEC))
+        return nullptr;
+    auto parameters = libav::makeParameters();
+    *parameters = written;
+    parameters->ch_layout.opaque = nullptr;
+    parameters->extradata =
+        static_cast<std::uint8_t*>(av_mallocz(static_cast<std::size_t>(extradata) + AV_INPUT_BUFFER_PADDING_SIZE));
+    if (!parameters->extradata)
+        throw std::bad_alloc();
+    const bool isWhole = static_cast<bool>(stream.read(reinterpret_cast<char*>(parameters->extradata), extradata));
+    return isWhole ? std::move(parameters) : nullptr;
+}
+
+} // namespace
+
+fs::path MovieJournal::pathFor(const fs::path& movie)
+{
+    return movie.parent_path() / (std::string(prefix) + movie.filename().string() + std::string(ending));
+}
+
+std::optional<fs::path> MovieJournal::movieOf(const fs::path& journal)
+{
+    const std::string name = journal.filename().string();
+    if (!name.starts_with(prefix) || !name.ends_with(ending) || name.size() <= prefix.size() + ending.size())
+        return std::nullopt;
+    return journal.parent_path() / name.substr(prefix.size(), name.size() - prefix.size() - ending.size());
+}
+
+void MovieJournal::remove(const fs::path& movie)
+{
+    std::error_code ignored; // One that stays is found again.
+    fs::remove(pathFor(movie), ignored);
+}
+
+MovieJournal::MovieJournal(const fs::path& movie, const AVFormatContext& output, const std::vector<AVRational>& timeBases)
+{
+    constexpr mode_t permissions = S_IRUSR | S_IWUSR;
+    m_file = Descriptor(open(pathFor(movie).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, permissions));
+    flock(m_file.number(), LOCK_EX);
+    const Head head{ .tracks = output.nb_streams };
+    write(&head, sizeof head);
+    for (unsigned i = 0; i < output.nb_streams; ++i) {
+        const AVCodecParameters& parameters = *output.streams[i]->codecpar;
+        TrackHead track{ .parameters = parameters, .timeBase = timeBases.at(i) };
+        track.parameters.extradata = nullptr;
+        write(&track, sizeof track);
+        write(parameters.extradata, static_cast<std::size_t>(parameters.extradata_size));
+    }
+}
+
+void MovieJournal::add(const AVPacket& packet, std::int64_t end)
+{
+    const Entry entry{ .track = packet.stream_index,
+        .flags = packet.flags,
+        .pts = packet.pts,
+        .dts = packet.dts,
+        .duration = packet.duration,
+        .end = end };
+    write(&entry, sizeof entry);
+}
+
+void MovieJournal::write(const void* bytes, std::size_t size)
+{
+    if (!m_file || ::write(m_file.number(), bytes, size) == static_cast<ssize_t>(size))
+        return;
+    qCWarning(logMedia, "A movie's journal cannot be written: %s", std::generic_category().message(errno).c_str());
+    m_file.close();
+}
+
+MovieJournal::Contents MovieJournal::read(const fs::path& journal)
+{
+    std::ifstream stream(journal, std::ios::binary);
+    Head head;
+    if (!vantry::read(stream, head) || head != Head{ .tracks = head.tracks } || head.tracks > mostTracks)
+        return {};
+    Contents contents;
+    for (std::uint32_t i = 0; i < head.tracks; ++i) {
+        TrackHead track{};
+        if (!vantry::read(stream, track))
+            return {};
+        auto parameters = readParameters(stream, track.parameters);
+        if (!parameters)
+            return {};
+        contents.tracks.push_back({ .parameters = std::move(parameters), .timeBase = track.timeBase });
+    }
+    for (Entry entry; vantry::read(stream, entry);)
+        contents.entries.push_back(entry);
+    return contents;
+}
+
+} // namespace vantry
