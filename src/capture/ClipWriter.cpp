@@ -27,6 +27,9 @@ constexpr int waitingSounds = 256;
 constexpr auto longestSoundDelay = std::chrono::seconds(2);
 constexpr auto awaitedSound = std::chrono::seconds(1);
 
+/// A screen that has not changed for so long is written out, for the case that the program dies before it changes again.
+constexpr auto longestUnwritten = std::chrono::seconds(2);
+
 int waitingPictures(PictureSize size)
 {
     const auto bytes = std::int64_t{ size.width } * size.height * 3 / 2;
@@ -80,6 +83,7 @@ struct ClipWriter::State {
     PacketSink sinkOf(TrackKind kind);
     void offer(TrackKind kind, std::function<void(ClipTrack&, const PacketSink&)> write);
     void keepUp(HostTime now);
+    void writeOutStillScreen(HostTime now);
     void watchRoom();
     void tell(const std::string& text) const;
     void attempt(const std::function<void()>& work);
@@ -94,6 +98,7 @@ struct ClipWriter::State {
     // Belong to the caller's thread.
     Phase phase = Phase::Writing;
     std::array<HostTime, trackKindCount> soundUntil{}; ///< Of each sound, where it ends so far.
+    std::optional<HostTime> unwrittenScreen; ///< The latest picture's, unless it was written out.
 
     // Safe to use from any thread.
     std::atomic<bool> hasFailed = false;
@@ -219,6 +224,17 @@ void ClipWriter::State::keepUp(HostTime now)
     }
 }
 
+void ClipWriter::State::writeOutStillScreen(HostTime now)
+{
+    ClipTrack& screen = *track(TrackKind::screen);
+    if (!unwrittenScreen || now - *unwrittenScreen < longestUnwritten || !screen.queue.hasRoom())
+        return;
+    unwrittenScreen.reset();
+    screen.queue.post([this, &screen, sink = sinkOf(TrackKind::screen), time = mediaTime(now - awaitedSound - start)] {
+        attempt([&] { screen.pictures->writeOut(time, sink); });
+    });
+}
+
 /// Does nothing after a failure; a failure of its own is the clip's.
 void ClipWriter::State::attempt(const std::function<void()>& work)
 {
@@ -301,8 +317,10 @@ void ClipWriter::append(const PictureSample& sample, TrackKind kind)
                 ++target.lost;
         });
     // A camera's stamps are its own.
-    if (kind == TrackKind::screen)
-        m_state->keepUp(sample.time);
+    if (kind != TrackKind::screen)
+        return;
+    m_state->unwrittenScreen = sample.time;
+    m_state->keepUp(sample.time);
 }
 
 void ClipWriter::append(SoundSample sample, TrackKind kind)
@@ -317,6 +335,7 @@ void ClipWriter::append(SoundSample sample, TrackKind kind)
         });
     m_state->soundUntil[static_cast<std::size_t>(kind)] = end;
     m_state->keepUp(end);
+    m_state->writeOutStillScreen(end);
 }
 
 bool ClipWriter::isReady(TrackKind kind) const

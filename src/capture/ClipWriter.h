@@ -40,7 +40,8 @@ struct ClipOutcome {
 /// Screen: HEVC, its pictures at their own times. Camera: H.264. Both fitted into the track's size, with a keyframe less than a
 /// second ahead of every picture. Sounds: AAC, placed by their stamps, silence where there is none. Every track that is in the file
 /// ends where the clip ends: the last picture lasts until then. A camera that delivered nothing has no track in the file; a screen
-/// that delivered nothing is one black picture, so that the first video track is the screen in every clip.
+/// that delivered nothing is one black picture, so that the first video track is the screen in every clip. While there is sound, a
+/// picture that stays for two seconds is repeated a few times at once, to have it in the file should the program die.
 ///
 /// `append` and `finish` are called on one thread and never wait. Each track encodes on a thread of its own, another one writes the
 /// file.
@@ -56,7 +57,7 @@ public:
     /// name; no file is left then.
     ClipWriter(const std::filesystem::path& file, const ClipTracks& tracks, HostTime start, ProblemHandler onProblem = {});
 
-    /// Waits for a `finish` under way. Without one the clip is given up and the file is left incomplete.
+    /// Waits for a `finish` under way. Without one the clip is given up, and its file left as a crash would leave it.
     ~ClipWriter();
 
     /// Drops the sample without a word when it lies before the start (of sound, that part), when there is no such track, when the

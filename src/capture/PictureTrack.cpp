@@ -6,6 +6,9 @@ namespace {
 
 constexpr MediaTime keyframeDistance = std::chrono::seconds(1);
 
+/// It works on a few at the same time.
+constexpr int heldByEncoder = 6;
+
 } // namespace
 
 PictureTrack::PictureTrack(const VideoEncoderSettings& settings)
@@ -34,6 +37,15 @@ bool PictureTrack::writeBlack(MediaTime time, const PacketSink& sink)
     PictureBuffer black(m_size.width, m_size.height);
     black.fill(16, 128, 128);
     return write(std::move(black).share(), time, sink);
+}
+
+void PictureTrack::writeOut(MediaTime time, const PacketSink& sink)
+{
+    if (!m_held)
+        return;
+    const Picture picture = m_held->picture;
+    for (int i = 0; i <= heldByEncoder; ++i)
+        write(picture, time + i * m_tick, sink);
 }
 
 void PictureTrack::finish(const PacketSink& sink)

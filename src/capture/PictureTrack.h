@@ -23,6 +23,9 @@ public:
     bool writeBlack(MediaTime time, const PacketSink& sink);
     void finish(const PacketSink& sink);
 
+    /// Repeats the latest picture, from `time` on, until the encoder has let go of it: it keeps the last few to itself.
+    void writeOut(MediaTime time, const PacketSink& sink);
+
 private:
     void encodeHeld(PictureKind kind, const PacketSink& sink);
 

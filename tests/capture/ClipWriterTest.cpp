@@ -2,7 +2,9 @@
 
 #include "base/AppError.h"
 #include "capture/ClipSettings.h"
+#include "media/MovieSalvage.h"
 #include "support/FinishedClip.h"
+#include "support/HoldsSoon.h"
 #include "support/MovieProbe.h"
 #include "support/ScreenContent.h"
 #include "support/TemporaryFolder.h"
@@ -230,6 +232,27 @@ TEST_F(ClipWriterTest, aStillScreenLastsToTheEndAndASilentCameraHasNoTrack)
     EXPECT_NEAR(probeEnd(m_file, "v:0"), 12.5, 2e-5);
     EXPECT_TRUE(probeStream(m_file, "v:1").empty());
     EXPECT_NEAR(probeEnd(m_file, "a:0"), 12.5, 2e-5);
+}
+
+TEST_F(ClipWriterTest, aStillScreenIsSafeBeforeItChangesAgain)
+{
+    ClipWriter writer(m_file, { .screen = size, .audio = true }, start);
+    show(writer, 0ms);
+    show(writer, 100ms, bright);
+    for (int i = 0; i < 180; ++i)
+        play(writer, frames(i), TrackKind::audio, 1600);
+    // As a crash would leave it.
+    const auto copy = m_folder / "copy/clip.mov";
+    const auto salvage = [&] {
+        std::filesystem::remove_all(copy.parent_path());
+        std::filesystem::create_directory(copy.parent_path());
+        std::filesystem::copy_file(m_folder / (".clip-1700000000.mov.journal"), copy.parent_path() / ".clip.mov.journal");
+        std::filesystem::copy_file(m_file, copy);
+        return completeMovie(copy).value_or(0);
+    };
+    ASSERT_TRUE(holdsSoon([&] { return salvage() > 4 && !flashes(copy, "v:0").empty(); }));
+    EXPECT_NEAR(flashes(copy, "v:0").at(0), 0.1, 1e-5);
+    EXPECT_NEAR(probeEnd(copy, "v:0"), salvage(), 2e-5);
 }
 
 TEST_F(ClipWriterTest, aClipWithoutAnyPictureIsBlack)
