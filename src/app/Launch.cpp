@@ -27,6 +27,7 @@ void Launch::start()
 
 QCoro::Task<> Launch::run()
 {
+    m_model.salvage();
     if (m_line.open) {
         m_model.open(*m_line.open);
         co_return;

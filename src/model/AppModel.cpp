@@ -9,11 +9,13 @@
 #include "model/EditingCommands.h"
 #include "model/ExportFlow.h"
 #include "model/FieldBinding.h"
+#include "model/NewProject.h"
 #include "model/OverlayFlow.h"
 #include "model/OverlayPictures.h"
 #include "model/Paths.h"
 #include "model/PreviewFlow.h"
 #include "model/RecordingFlow.h"
+#include "model/SalvageFlow.h"
 #include "model/TranscriptionFlow.h"
 #include "model/VideoFiles.h"
 #include "model/YouTubeFlow.h"
@@ -49,6 +51,7 @@ AppModel::AppModel(Options options)
           std::move(options.ai)))
     , m_aiOverlay(std::make_unique<OverlayFlow>(*this, *m_ai))
     , m_youTube(std::make_unique<YouTubeFlow>(*this, *m_ai, [this] { return transcribeAll(); }))
+    , m_salvage(std::make_unique<SalvageFlow>(*this))
 {
     connect(this, &AppModel::projectChanged, this, &AppModel::liveLayoutChanged);
     connect(&m_settings, &Settings::setupLayoutChanged, this, &AppModel::liveLayoutChanged);
@@ -84,13 +87,7 @@ void AppModel::newProject()
 {
     const QDateTime now = QDateTime::currentDateTime();
     setFolder(m_storage.createFolder(now));
-    Project project;
-    project.name = newProjectName(now, QLocale::system()).toStdString();
-    project.layouts = { { .time = 0, .layout = m_settings.setupLayout(), .corner = m_settings.setupCorner() } };
-    project.bubbleSize = m_settings.setupBubble();
-    project.blurBackground = m_settings.setupBlur();
-    project.screenCrop = m_settings.setupCrop();
-    setProject(std::move(project));
+    setProject(vantry::newProject(m_settings, now));
 }
 
 void AppModel::dropEmptyProject()
@@ -99,6 +96,11 @@ void AppModel::dropEmptyProject()
         ProjectStorage::removeIfEmpty(*m_folder);
     setProject(std::nullopt);
     setFolder(std::nullopt);
+}
+
+void AppModel::salvage()
+{
+    m_salvage->start();
 }
 
 void AppModel::edit(Rebuild rebuild, const std::function<void(Project&)>& change)

@@ -36,6 +36,7 @@ class OverlayPictures;
 class PreviewFlow;
 class Recorder;
 class RecordingFlow;
+class SalvageFlow;
 class TranscriptionFlow;
 class YouTubeFlow;
 
@@ -135,6 +136,7 @@ public:
 
     // Storage.
     const std::filesystem::path& root() const { return m_storage.root(); }
+    std::vector<std::filesystem::path> folders() const { return m_storage.folders(); }
     std::vector<std::filesystem::path> recent() const { return m_storage.recent(); }
 
     /// Opens the project of a folder for editing, or says why not and changes nothing. Ignored while a recording is under way.
@@ -146,6 +148,9 @@ public:
 
     /// Forgets the project, and deletes its folder if nothing was put into it.
     void dropEmptyProject();
+
+    /// Completes recordings that a crash cut off, and says in the status which.
+    void salvage();
 
     /// Changes a copy of the project, stores it and saves it. Nothing happens without a project; what cannot be saved stays in
     /// memory.
@@ -308,6 +313,7 @@ private:
     std::unique_ptr<AI::Client> m_ai;
     std::unique_ptr<OverlayFlow> m_aiOverlay;
     std::unique_ptr<YouTubeFlow> m_youTube;
+    std::unique_ptr<SalvageFlow> m_salvage;
 };
 
 } // namespace vantry

@@ -53,15 +53,25 @@ fs::path ProjectStorage::createFolder(const QDateTime& now) const
     return folder;
 }
 
-std::vector<fs::path> ProjectStorage::recent() const
+std::vector<fs::path> ProjectStorage::folders() const
 {
     std::vector<fs::path> folders;
     std::error_code error;
     for (fs::directory_iterator entry(m_root, error), end; !error && entry != end; entry.increment(error)) {
         std::error_code unreadable;
-        if (fs::is_regular_file(entry->path() / "project.json", unreadable))
+        if (entry->is_directory(unreadable))
             folders.push_back(entry->path());
     }
+    return folders;
+}
+
+std::vector<fs::path> ProjectStorage::recent() const
+{
+    std::vector<fs::path> folders = this->folders();
+    std::erase_if(folders, [](const fs::path& folder) {
+        std::error_code unreadable;
+        return !fs::is_regular_file(folder / "project.json", unreadable);
+    });
     std::ranges::sort(folders, std::ranges::greater(), [](const fs::path& folder) { return folder.filename().string(); });
     return folders;
 }

@@ -23,6 +23,9 @@ public:
     /// first save into it tells.
     std::filesystem::path createFolder(const QDateTime& now) const;
 
+    /// Every folder there is, whatever is in it.
+    std::vector<std::filesystem::path> folders() const;
+
     /// The project folders, newest first. Read from the disk each time; empty when there is no root.
     std::vector<std::filesystem::path> recent() const;
 

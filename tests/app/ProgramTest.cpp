@@ -288,6 +288,30 @@ TEST_F(ProgramTest, anInterruptedRecordingKeepsItsClip)
     EXPECT_FALSE(fs::exists(m_home / "out.mp4"));
 }
 
+TEST_F(ProgramTest, aRecordingOfAProgramThatWasKilledIsKept)
+{
+    const test::XServer screen(640, 360);
+    auto program = start("--autorecord 60");
+    ASSERT_TRUE(holdsSoon([this] { return hasClip(); }));
+    for (int i = 0; i < 40; ++i)
+        test::runCommand("xdotool mousemove " + std::to_string(10 * i) + " 50; sleep 0.1");
+    program->end(SIGKILL);
+    const auto folder = onlyProject();
+    EXPECT_FALSE(fs::exists(folder / "project.json"));
+
+    program = start("");
+    ASSERT_TRUE(holdsSoon([&] { return fs::exists(folder / "project.json"); }));
+    kill(program->pid(), SIGTERM);
+    EXPECT_EQ(finish(*program).status, 0);
+    const Project project = loadProject(folder);
+    ASSERT_THAT(project.clips, SizeIs(1));
+    EXPECT_GE(project.clips[0].duration, 2);
+    EXPECT_EQ(project.clips[0].keep, project.clips[0].duration);
+    EXPECT_EQ(project.layouts.size(), 1U);
+    EXPECT_NEAR(test::probeEnd(folder / project.clips[0].file, "v:0"), project.clips[0].duration, 0.05);
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 2) << "the project and its clip";
+}
+
 TEST_F(ProgramTest, keysSteerARecordingFromOutside)
 {
     const test::XServer screen(640, 360);
