@@ -57,7 +57,7 @@ QSGMaterialShader* PlanesMaterial::createShader(QSGRendererInterface::RenderMode
 int PlanesMaterial::compare(const QSGMaterial* other) const
 {
     // Each has textures of its own.
-    const std::less<const QSGMaterial*> isBefore;
+    const std::less<> isBefore;
     return isBefore(this, other) ? -1 : isBefore(other, this) ? 1 : 0;
 }
 
