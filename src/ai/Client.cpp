@@ -85,11 +85,13 @@ QCoro::Task<std::string> Client::ask(std::string system, std::string user)
         throw AppError("No OpenRouter key. Paste yours in Settings (⌘,).");
     const auto secret = key->toUtf8();
     if (std::ranges::any_of(secret, [](char c) { return static_cast<unsigned char>(c) < ' '; }))
-        throw AppError("The OpenRouter key has a line break in it. Paste it again in Settings (⌘,).");
+        throw AppError("The OpenRouter key has a line break or a tab in it. Paste it again in Settings (⌘,).");
     const auto body = QByteArray::fromStdString(chatRequest(chosenModel, system, user));
     const auto route = co_await findRoute(m_options.host, m_options.longestSilence, *this);
     checkAlive(self);
     setRoute(m_network, route);
+    // One that was kept may be about to be closed, and a question is sent but once.
+    m_network.clearConnectionCache();
     auto answer = co_await post(m_network, requestWith(secret), body, largestAnswer);
     co_return bodyOf(std::move(answer), secret);
 }

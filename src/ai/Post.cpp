@@ -28,6 +28,7 @@ public:
     }
 
     bool isSequential() const override { return true; }
+    bool seek(qint64 /*position*/) override { return false; }
     qint64 bytesAvailable() const override { return m_body.size() - m_sent + QIODevice::bytesAvailable(); }
 
 protected:
@@ -56,6 +57,9 @@ std::string whyBroken(const QNetworkReply& reply)
 {
     if (reply.error() == QNetworkReply::OperationCanceledError || reply.error() == QNetworkReply::TimeoutError)
         return "The server did not answer in time.";
+    // Qt has no words for it where the body cannot be sent again.
+    if (reply.error() == QNetworkReply::ContentReSendError)
+        return "The server closed the connection without an answer.";
     return reply.errorString().toStdString();
 }
 

@@ -212,7 +212,7 @@ TEST_F(KeyedClientTest, failsWhenNoWholeAnswerComes)
         ++requests;
         socket.close();
     }),
-        isNetwork);
+        "The server closed the connection without an answer.");
     EXPECT_EQ(requests, 1) << "a request costs money";
     EXPECT_THAT(ask([](QTcpSocket& socket, const HttpRequest&) { socket.abort(); }), isNetwork);
     const auto half = [](QTcpSocket& socket, const HttpRequest&) {
