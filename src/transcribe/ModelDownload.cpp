@@ -25,14 +25,21 @@ constexpr int ok = 200;
 constexpr int partialContent = 206;
 constexpr int rangeNotSatisfiable = 416;
 
-/// A connection that breaks off is taken up again this often.
-constexpr int mostRequests = 5;
+/// So often a connection that broke off is taken up again, or a server followed that leads elsewhere.
+constexpr int mostRequests = 8;
+
+/// Never from an encrypted connection to an open one.
+bool mayLeadTo(const QUrl& from, const QUrl& to)
+{
+    return to.scheme() == "https"_L1 || (to.scheme() == "http"_L1 && from.scheme() == "http"_L1);
+}
 
 /// One request for what is missing, and what comes of it.
 class Request {
 public:
-    Request(const ModelDownload& download, PartialFile& part)
+    Request(const ModelDownload& download, QUrl url, PartialFile& part)
         : m_download(download)
+        , m_url(std::move(url))
         , m_part(part)
         , m_start(part.size())
     {
@@ -47,6 +54,9 @@ public:
     /// The server has less than there is already.
     bool wasBeyondTheEnd() const { return m_status == rangeNotSatisfiable; }
 
+    /// Where the server says that it is instead.
+    const std::optional<QUrl>& elsewhere() const { return m_elsewhere; }
+
     /// What went wrong, in the network's words.
     [[noreturn]] void fail() const { throw AppError("The speech model could not be downloaded: " + m_problem.toStdString()); }
 
@@ -54,6 +64,7 @@ private:
     QNetworkRequest request() const;
     bool findWay(QNetworkAccessManager& network, const std::stop_token& cancel);
     void receive(QNetworkReply& reply, const std::stop_token& cancel);
+    void follow(const QUrl& url);
     void begin(const QNetworkReply& reply);
     void take(QNetworkReply& reply);
 
@@ -61,9 +72,11 @@ private:
     void attempt(QNetworkReply& reply, Step step);
 
     const ModelDownload& m_download;
+    const QUrl m_url;
     PartialFile& m_part;
     const std::int64_t m_start;
     std::optional<int> m_status;
+    std::optional<QUrl> m_elsewhere;
     QNetworkReply::NetworkError m_error = QNetworkReply::NoError;
     QString m_problem;
     std::exception_ptr m_failure;
@@ -72,7 +85,9 @@ private:
 
 QNetworkRequest Request::request() const
 {
-    QNetworkRequest request(QUrl(QString::fromStdString(m_download.source + m_download.model.file)));
+    QNetworkRequest request(m_url);
+    // Each host has a way of its own.
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
     request.setTransferTimeout(static_cast<int>(m_download.patience.count()));
     // As they are: packed bytes could not be counted.
     request.setRawHeader("Accept-Encoding", "identity");
@@ -93,9 +108,18 @@ void Request::run(const std::stop_token& cancel)
     if (reply->bytesAvailable() > 0)
         take(*reply);
     m_error = reply->error();
-    m_problem = reply->errorString();
+    m_problem = m_error == QNetworkReply::OperationCanceledError ? u"The server fell silent"_s : reply->errorString();
+    if (const QVariant target = reply->attribute(QNetworkRequest::RedirectionTargetAttribute); target.isValid())
+        follow(m_url.resolved(target.toUrl()));
     if (const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute); status.isValid())
         m_status = status.toInt();
+}
+
+void Request::follow(const QUrl& url)
+{
+    m_problem = u"The server only leads elsewhere"_s;
+    if (mayLeadTo(m_url, url))
+        m_elsewhere = url;
 }
 
 /// False when there is none, or when cancelled.
@@ -104,7 +128,7 @@ bool Request::findWay(QNetworkAccessManager& network, const std::stop_token& can
     QEventLoop loop;
     QFutureWatcher<NetworkRoute> watcher;
     QObject::connect(&watcher, &QFutureWatcherBase::finished, &loop, &QEventLoop::quit);
-    watcher.setFuture(findRoute(request().url(), m_download.patience, loop));
+    watcher.setFuture(findRoute(m_url, m_download.patience, loop));
     const std::stop_callback onCancel(
         cancel, [&loop] { QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection); });
     loop.exec();
@@ -175,6 +199,30 @@ void Request::begin(const QNetworkReply& reply)
         throw AppError("The server sent another part of the speech model");
 }
 
+/// Until all of it is there.
+Fetched receive(const ModelDownload& download, PartialFile& part, const std::stop_token& cancel)
+{
+    QUrl url(QString::fromStdString(download.source + download.model.file));
+    for (int requests = 1; part.size() < download.model.bytes; ++requests) {
+        const auto before = part.size();
+        Request request(download, url, part);
+        request.run(cancel);
+        if (cancel.stop_requested())
+            return Fetched::Cancelled;
+        if (request.wasUnreachable())
+            return Fetched::Unreachable;
+        if (request.elsewhere())
+            url = *request.elsewhere();
+        else if (request.wasBeyondTheEnd())
+            part.truncate(0);
+        else if (part.size() <= before)
+            request.fail();
+        if (requests == mostRequests && part.size() < download.model.bytes)
+            request.fail();
+    }
+    return Fetched::Complete;
+}
+
 } // namespace
 
 Fetched fetch(const ModelDownload& download, const std::stop_token& cancel)
@@ -182,22 +230,17 @@ Fetched fetch(const ModelDownload& download, const std::stop_token& cancel)
     PartialFile part(download.folder / download.model.file);
     if (part.size() > download.model.bytes)
         part.truncate(0);
-    for (int requests = 1; part.size() < download.model.bytes; ++requests) {
-        const auto before = part.size();
-        Request request(download, part);
-        request.run(cancel);
-        if (cancel.stop_requested())
-            return Fetched::Cancelled;
-        if (request.wasUnreachable())
-            return Fetched::Unreachable;
-        if (request.wasBeyondTheEnd())
-            part.truncate(0);
-        else if (part.size() <= before)
-            request.fail();
-        if (requests == mostRequests && part.size() < download.model.bytes)
-            request.fail();
+    const bool isContinued = part.size() > 0;
+    const auto isDamaged = [&] { return part.sha256() != download.model.sha256; };
+    Fetched fetched = receive(download, part, cancel);
+    if (fetched == Fetched::Complete && isDamaged() && isContinued) {
+        // What an earlier attempt left may be to blame.
+        part.truncate(0);
+        fetched = receive(download, part, cancel);
     }
-    if (part.sha256() != download.model.sha256) {
+    if (fetched != Fetched::Complete)
+        return fetched;
+    if (isDamaged()) {
         part.truncate(0);
         throw AppError("The speech model was damaged on the way");
     }

@@ -45,6 +45,8 @@ void ModelServer::serve(QTcpSocket& connection, const HttpRequest& request)
         + " Whatever\r\nConnection: close\r\nContent-Length: " + QByteArray::number(reply.body.size()) + "\r\n");
     if (!reply.contentRange.isEmpty())
         connection.write("Content-Range: " + reply.contentRange + "\r\n");
+    if (!reply.location.isEmpty())
+        connection.write("Location: " + reply.location + "\r\n");
     connection.write("\r\n" + (reply.sent < 0 ? reply.body : reply.body.left(reply.sent)));
     if (!reply.stays)
         QTimer::singleShot(reply.sent < 0 ? 0 : 20, &connection, &QTcpSocket::disconnectFromHost);

@@ -17,6 +17,7 @@ public:
         int status = 200;
         QByteArray body;
         QByteArray contentRange{};
+        QByteArray location{}; ///< Where it is instead.
         qsizetype sent =
             -1; ///< Bytes of the body that are sent before the connection breaks off a little later; all when negative.
         bool stays = false; ///< It does not break off, but nothing comes any more.

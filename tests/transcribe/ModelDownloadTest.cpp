@@ -113,6 +113,27 @@ TEST_F(ModelDownloadTest, anotherAttemptGoesOnWhereTheLastOneEnded)
     EXPECT_THAT(server.requests(), ElementsAre(2'500'000));
 }
 
+TEST_F(ModelDownloadTest, aServerThatLeadsElsewhereIsFollowed)
+{
+    const ModelServer store([&](qsizetype from) { return ModelServer::rest(m_published, from); });
+    const ModelServer server([&](qsizetype) {
+        return ModelServer::Reply{ .status = 302, .location = QByteArray::fromStdString(store.source()) + "other-name" };
+    });
+    leavePart(m_published.left(1000));
+    EXPECT_EQ(fetchFrom(server.source()), Fetched::Complete);
+    EXPECT_EQ(stored(), m_published);
+    EXPECT_THAT(store.requests(), ElementsAre(1000));
+
+    m_published += "next";
+    const ModelServer circle([](qsizetype) { return ModelServer::Reply{ .status = 307, .location = "model.bin" }; });
+    EXPECT_THAT(failureFrom(circle.source()), HasSubstr("only leads elsewhere"));
+    const ModelServer away([](qsizetype) { return ModelServer::Reply{ .status = 302, .location = "file:///etc/passwd" }; });
+    EXPECT_THAT(failureFrom(away.source()), HasSubstr("only leads elsewhere"));
+    const ModelServer lost(
+        [](qsizetype) { return ModelServer::Reply{ .status = 302, .location = "http://no-such-host.invalid/" }; });
+    EXPECT_EQ(fetchFrom(lost.source()), Fetched::Unreachable);
+}
+
 TEST_F(ModelDownloadTest, aServerThatKnowsNoRangesBeginsAnew)
 {
     leavePart(m_published.left(2'500'000));
@@ -140,6 +161,15 @@ TEST_F(ModelDownloadTest, whatIsNotThePublishedModelIsNotKept)
     const ModelServer server([&](qsizetype from) { return ModelServer::rest(m_published, from); });
     EXPECT_EQ(fetchFrom(server.source()), Fetched::Complete) << "nothing of it is in the way";
     EXPECT_THAT(server.requests(), ElementsAre(0));
+}
+
+TEST_F(ModelDownloadTest, aDamagedPartOfAnEarlierAttemptIsFetchedAgain)
+{
+    const ModelServer server([&](qsizetype from) { return ModelServer::rest(m_published, from); });
+    leavePart(m_published.left(1000) + QByteArray(1000, 'x'));
+    EXPECT_EQ(fetchFrom(server.source()), Fetched::Complete);
+    EXPECT_EQ(stored(), m_published);
+    EXPECT_THAT(server.requests(), ElementsAre(2000, 0));
 }
 
 TEST_F(ModelDownloadTest, aServerThatRefusesOrStopsIsNamedInTheError)
