@@ -7,6 +7,7 @@
 #include <whisper.h>
 
 #include <algorithm>
+#include <optional>
 #include <thread>
 #include <utility>
 
@@ -51,15 +52,17 @@ std::size_t endOfStretch(const std::vector<Phrase>& phrases, std::size_t first)
     return end;
 }
 
-/// The model's times are rough: a line begins and ends where somebody speaks.
-Line movedToSpeech(Line line, std::span<const Phrase> phrases)
+/// A line begins and ends where somebody speaks: the model's times are rough. Where nobody does it hears what it has often heard in
+/// silence, and that is no line.
+std::optional<Line> movedToSpeech(Line line, std::span<const Phrase> phrases)
 {
+    constexpr double roughness = 0.5; // seconds
     const auto isSpoken = [&](const Phrase& phrase) {
-        return seconds(phrase.end) > line.start && seconds(phrase.start) < line.end;
+        return seconds(phrase.end) > line.start - roughness && seconds(phrase.start) < line.end + roughness;
     };
     const auto first = std::ranges::find_if(phrases, isSpoken);
     if (first == phrases.end())
-        return line;
+        return std::nullopt;
     const auto last = std::ranges::find_if_not(first, phrases.end(), isSpoken) - 1;
     line.start = std::max(line.start, seconds(first->start));
     line.end = std::min(line.end, seconds(last->end));
@@ -93,7 +96,8 @@ void WhisperRecogniser::recognise(const SpeechFile& speech, const std::vector<Ph
         for (Line& line : listen(resampled(samples, WHISPER_SAMPLE_RATE))) {
             line.start += seconds(start);
             line.end += seconds(start);
-            sink(movedToSpeech(std::move(line), spoken));
+            if (auto moved = movedToSpeech(std::move(line), spoken))
+                sink(*std::move(moved));
         }
         sink({}); // It still works, whatever was heard.
         first = end;

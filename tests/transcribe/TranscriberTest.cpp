@@ -201,6 +201,17 @@ TEST_F(WhisperTest, itIsPreferredWhereItsModelIsInstalled)
     EXPECT_NEAR(lines[1].end, 3 + 2 * length + 0.6, 0.5) << "where the voice ends";
 }
 
+TEST_F(WhisperTest, whatIsHeardInSilenceIsNoLine)
+{
+    const auto model = test::scriptedModel(
+        { { 0, 1.5, { " Hello" } }, { 4, 6, { " Thanks", " for watching." } }, { 8, 28, { " Good", "bye." } } });
+    publish(model);
+    install(model);
+    const auto voice = test::spoken("Welcome to my channel", "awb");
+    const auto lines = linesOf(clip(test::joined({ voice, test::quiet(8), voice, test::quiet(1) })), "de-DE");
+    EXPECT_EQ(textOf(lines), "Hello Goodbye.");
+}
+
 TEST_F(WhisperTest, longSpeechIsHeardInStretches)
 {
     install(m_model);
