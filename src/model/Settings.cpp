@@ -19,6 +19,12 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+/// Also one with commas, which the file takes for a list unless it is quoted.
+QString wholeText(const QVariant& stored)
+{
+    return stored.toStringList().join(u',');
+}
+
 template <typename Enum>
 Enum named(const QVariant& stored, Enum otherwise)
 {
@@ -85,8 +91,8 @@ Settings::Settings(const std::filesystem::path& file)
     , m_setupBlur(boolean(m_file.value("blur"), false))
     // A list is what the file's format makes of a rectangle that was typed in without quotes.
     , m_setupCrop(parseCrop(m_file.value("crop").toStringList().join(", "_L1)))
-    , m_model(m_file.value("model", AI::defaultModel).toString())
-    , m_tokensPath(m_file.value("tokensPath", AI::defaultTokensPath).toString())
+    , m_model(wholeText(m_file.value("model", AI::defaultModel)))
+    , m_tokensPath(wholeText(m_file.value("tokensPath", AI::defaultTokensPath)))
     , m_speechLocale(m_file.value("speechLocale", u"en-US"_s).toString())
     , m_speechModel(named(m_file.value("speechModel"), SpeechModelSize::base))
 {

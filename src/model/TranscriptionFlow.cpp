@@ -78,12 +78,14 @@ QCoro::Task<> TranscriptionFlow::transcribeClips()
 {
     const QPointer<TranscriptionFlow> self(this);
     const auto transcriber = makeTranscriber();
+    const QString chosen = m_model.settings()->speechLocale();
+    const std::string locale = chosen.isEmpty() ? "en-US" : chosen.toStdString();
     const std::vector<Clip> clips = m_model.project() ? m_model.project()->clips : std::vector<Clip>();
     for (const Clip& clip : clips) {
         if (clip.transcript)
             continue;
         m_model.setStatus(transcribing);
-        const Lines lines = co_await linesOf(clip, transcriber);
+        const Lines lines = co_await linesOf(clip, locale, transcriber);
         if (!self || !lines || m_model.folder() != m_folder)
             co_return;
         store(clip, *lines);
@@ -91,12 +93,12 @@ QCoro::Task<> TranscriptionFlow::transcribeClips()
 }
 
 /// On the worker.
-QFuture<TranscriptionFlow::Lines> TranscriptionFlow::linesOf(const Clip& clip, const std::shared_ptr<Transcriber>& transcriber)
+QFuture<TranscriptionFlow::Lines> TranscriptionFlow::linesOf(
+    const Clip& clip, const std::string& locale, const std::shared_ptr<Transcriber>& transcriber)
 {
-    const QString chosen = m_model.settings()->speechLocale();
-    return inBackground(m_worker,
-        [transcriber, movie = *m_folder / clip.file, locale = chosen.isEmpty() ? "en-US" : chosen.toStdString(),
-            cancel = m_cancel.get_token()] { return transcriber->transcribe(movie, locale, cancel); });
+    return inBackground(m_worker, [transcriber, movie = *m_folder / clip.file, locale, cancel = m_cancel.get_token()] {
+        return transcriber->transcribe(movie, locale, cancel);
+    });
 }
 
 std::shared_ptr<Transcriber> TranscriptionFlow::makeTranscriber()

@@ -15,6 +15,7 @@
 #include <memory>
 #include <optional>
 #include <stop_token>
+#include <string>
 #include <vector>
 
 namespace vantry {
@@ -56,7 +57,7 @@ private:
 
     QCoro::Task<> transcribeNext();
     QCoro::Task<> transcribeClips();
-    QFuture<Lines> linesOf(const Clip& clip, const std::shared_ptr<Transcriber>& transcriber);
+    QFuture<Lines> linesOf(const Clip& clip, const std::string& locale, const std::shared_ptr<Transcriber>& transcriber);
     std::shared_ptr<Transcriber> makeTranscriber();
     Transcriber::OnFetching showFetching();
     void store(const Clip& clip, const std::vector<Line>& lines);

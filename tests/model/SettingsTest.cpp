@@ -61,6 +61,14 @@ TEST_F(SettingsTest, storedValuesOfAnotherKindMeanTheDefaults)
     expectDefaults(Settings(m_file));
 }
 
+TEST_F(SettingsTest, aCommaNeedsNoQuotes)
+{
+    write("tokensPath=~/my,own/tokens\nmodel=a,b\n");
+    const Settings settings(m_file);
+    EXPECT_EQ(settings.tokensPath(), QStringLiteral("~/my,own/tokens"));
+    EXPECT_EQ(settings.model(), QStringLiteral("a,b"));
+}
+
 TEST_F(SettingsTest, theFileHasTheKnownKeysAndForms)
 {
     write("displayID=4294967295\ncameraID=cam\nmicID=mic\nlayout=screen\ncorner=topLeft\nbubble=0.5\nexportHeight=720\n"
