@@ -52,7 +52,7 @@ Client::Client(std::function<Choices()> choices, Options options)
 
 Client::~Client()
 {
-    abortAll(m_network);
+    abortAll(*this);
 }
 
 QString Client::model() const
@@ -86,13 +86,12 @@ QCoro::Task<std::string> Client::ask(std::string system, std::string user)
     const auto secret = key->toUtf8();
     if (std::ranges::any_of(secret, [](char c) { return static_cast<unsigned char>(c) < ' '; }))
         throw AppError("The OpenRouter key has a line break or a tab in it. Paste it again in Settings (⌘,).");
-    const auto body = QByteArray::fromStdString(chatRequest(chosenModel, system, user));
+    // Not within the call below: GCC 12 destroys such a value twice in a coroutine.
+    const Question question{ .body = QByteArray::fromStdString(chatRequest(chosenModel, system, user)),
+        .largestAnswer = largestAnswer };
     const auto route = co_await findRoute(m_options.host, m_options.longestSilence, *this);
     checkAlive(self);
-    setRoute(m_network, route);
-    // One that was kept may be about to be closed, and a question is sent but once.
-    m_network.clearConnectionCache();
-    auto answer = co_await post(m_network, requestWith(secret), body, largestAnswer);
+    auto answer = co_await post(requestWith(secret), route, question, *this);
     co_return bodyOf(std::move(answer), secret);
 }
 

@@ -8,7 +8,6 @@
 
 #include <QCoroFuture>
 #include <QCoroTask>
-#include <QNetworkAccessManager>
 #include <QNetworkRequest>
 #include <QObject>
 #include <QPointer>
@@ -51,7 +50,6 @@ private:
     const std::function<Choices()> m_choices;
     const Options m_options;
     Keychain m_keychain;
-    QNetworkAccessManager m_network;
     Worker m_worker{ "vantry.ai" };
 };
 

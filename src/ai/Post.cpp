@@ -78,7 +78,7 @@ void finish(QPromise<HttpAnswer>& promise, QNetworkReply& reply, qint64 limit)
 {
     // Nothing more of it is wanted, though it may go on until then.
     reply.disconnect();
-    reply.deleteLater();
+    reply.manager()->deleteLater();
     try {
         promise.addResult(answerOf(reply, limit));
     } catch (...) {
@@ -89,16 +89,19 @@ void finish(QPromise<HttpAnswer>& promise, QNetworkReply& reply, qint64 limit)
 
 } // namespace
 
-QFuture<HttpAnswer> post(QNetworkAccessManager& network, const QNetworkRequest& request, const QByteArray& body, qint64 limit)
+QFuture<HttpAnswer> post(const QNetworkRequest& request, const NetworkRoute& route, const Question& question, QObject& owner)
 {
     const auto promise = std::make_shared<QPromise<HttpAnswer>>();
     promise->start();
+    auto* network = new QNetworkAccessManager(&owner);
+    setRoute(*network, route);
     QNetworkRequest once = request;
     once.setAttribute(QNetworkRequest::DoNotBufferUploadDataAttribute, true);
-    once.setHeader(QNetworkRequest::ContentLengthHeader, body.size());
-    auto* device = new SentOnce(body);
-    QNetworkReply* reply = network.post(once, device);
+    once.setHeader(QNetworkRequest::ContentLengthHeader, question.body.size());
+    auto* device = new SentOnce(question.body);
+    QNetworkReply* reply = network->post(once, device);
     device->setParent(reply);
+    const qint64 limit = question.largestAnswer;
     QObject::connect(reply, &QNetworkReply::readyRead, reply, [promise, reply, limit] {
         if (reply->bytesAvailable() > limit)
             finish(*promise, *reply, limit);
@@ -107,9 +110,9 @@ QFuture<HttpAnswer> post(QNetworkAccessManager& network, const QNetworkRequest& 
     return promise->future();
 }
 
-void abortAll(QNetworkAccessManager& network)
+void abortAll(QObject& owner)
 {
-    for (QNetworkReply* reply : network.findChildren<QNetworkReply*>())
+    for (QNetworkReply* reply : owner.findChildren<QNetworkReply*>())
         reply->abort();
 }
 

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "platform/NetworkRoute.h"
+
 #include <QByteArray>
 #include <QFuture>
 
-class QNetworkAccessManager;
 class QNetworkRequest;
+class QObject;
 
 namespace vantry {
 
@@ -14,11 +16,17 @@ struct HttpAnswer {
     QByteArray body;
 };
 
-/// Posts a body. The future throws an AppError in the network's words when no whole answer comes, and when its body is larger than
-/// `limit` bytes. To be called on the network's thread, where it is also finished; `abortAll` finishes it early.
-QFuture<HttpAnswer> post(QNetworkAccessManager& network, const QNetworkRequest& request, const QByteArray& body, qint64 limit);
+struct Question {
+    QByteArray body;
+    qint64 largestAnswer = 0; ///< In bytes.
+};
 
-/// Ends every request that is under way.
-void abortAll(QNetworkAccessManager& network);
+/// Posts a question, once, over a connection of its own: one that was kept may be about to be closed. The future throws an AppError
+/// in the network's words when no whole answer comes, or one that is too large. To be called on the thread of `owner`, where it is
+/// also finished; `abortAll` finishes it early.
+QFuture<HttpAnswer> post(const QNetworkRequest& request, const NetworkRoute& route, const Question& question, QObject& owner);
+
+/// Ends every request of the owner that is under way.
+void abortAll(QObject& owner);
 
 } // namespace vantry
