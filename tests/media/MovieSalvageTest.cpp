@@ -8,6 +8,7 @@
 #include "support/Command.h"
 #include "support/MovieProbe.h"
 #include "support/TemporaryFolder.h"
+#include "support/TestSamples.h"
 
 #include <gmock/gmock.h>
 
@@ -20,83 +21,40 @@ namespace vantry {
 namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::Optional;
 
 namespace {
 
 constexpr int recorded = 5; ///< Seconds.
 
-enum class Ending { Finished, CutOff };
-
-/// A clip of four tracks, the camera late, its pictures all different.
-class Recording {
-public:
-    explicit Recording(const fs::path& file)
-        : m_muxer(file, MovieFormat::Clip)
-    {
-        m_screenTrack = m_muxer.addTrack(m_screen);
-        m_cameraTrack = m_muxer.addTrack(m_camera);
-        m_microphoneTrack = m_muxer.addTrack(m_microphone);
-        m_systemTrack = m_muxer.addTrack(m_system);
-        m_muxer.start();
-        for (int i = 0; i < recorded * 30; ++i)
-            encodeFrame(i);
-        m_screen.finish(into(m_screenTrack));
-        m_camera.finish(into(m_cameraTrack));
-        m_microphone.finish(into(m_microphoneTrack));
-        m_system.finish(into(m_systemTrack));
-    }
-
-    void finish() { m_muxer.finish(std::chrono::seconds(recorded)); }
-
-private:
-    PacketSink into(int track)
-    {
-        return [this, track](Packet packet) { m_muxer.write(track, std::move(packet)); };
-    }
-
-    static Picture picture(int frame)
-    {
-        PictureBuffer buffer(320, 180);
-        buffer.fill(static_cast<std::uint8_t>(20 + frame), 128, 128);
-        return std::move(buffer).share();
-    }
-
-    static Sound tone(int channels)
-    {
-        Sound sound{ .channels = channels, .samples = {} };
-        for (int i = 0; i < 1600 * channels; ++i)
-            sound.samples.push_back(0.2F * static_cast<float>(i % 97) / 97);
-        return sound;
-    }
-
-    void encodeFrame(int i)
-    {
-        m_screen.encode(picture(i), i * frameDuration, PictureKind::Any, into(m_screenTrack));
-        if (i > 40)
-            m_camera.encode(picture(i), i * frameDuration, PictureKind::Any, into(m_cameraTrack));
-        m_microphone.encode(tone(1), into(m_microphoneTrack));
-        m_system.encode(tone(2), into(m_systemTrack));
-    }
-
-    VideoEncoder m_screen{
-        { .codec = VideoCodec::Hevc, .width = 320, .height = 180, .bitRate = 8'000'000, .preset = "ultrafast" }
-    };
-    VideoEncoder m_camera{ { .width = 320, .height = 180, .bitRate = 1'000'000, .preset = "ultrafast" } };
-    AudioEncoder m_microphone{ { .channels = 1, .bitRate = 160'000 } };
-    AudioEncoder m_system{ { .channels = 2, .bitRate = 192'000 } };
-    Muxer m_muxer;
-    int m_screenTrack = 0;
-    int m_cameraTrack = 0;
-    int m_microphoneTrack = 0;
-    int m_systemTrack = 0;
-};
-
-fs::path record(const fs::path& file, Ending ending)
+/// A clip of four tracks, the camera late, its pictures all different. It is cut off unless it is finished.
+std::unique_ptr<Muxer> record(const fs::path& file)
 {
-    Recording recording(file);
-    if (ending == Ending::Finished)
-        recording.finish();
+    VideoEncoder screen({ .codec = VideoCodec::Hevc, .width = 320, .height = 180, .bitRate = 8'000'000, .preset = "ultrafast" });
+    VideoEncoder camera({ .width = 320, .height = 180, .bitRate = 1'000'000, .preset = "ultrafast" });
+    AudioEncoder microphone({ .channels = 1, .bitRate = 160'000 }), system({ .channels = 2, .bitRate = 192'000 });
+    auto muxer = std::make_unique<Muxer>(file, MovieFormat::Clip);
+    const auto into = [&muxer](const auto& encoder) {
+        return [&muxer = *muxer, track = muxer->addTrack(encoder)](Packet packet) { muxer.write(track, std::move(packet)); };
+    };
+    const PacketSink screens = into(screen), cameras = into(camera), voices = into(microphone), sounds = into(system);
+    muxer->start();
+    for (int i = 0; i < recorded * 30; ++i) {
+        screen.encode(test::grey(20 + i), i * frameDuration, PictureKind::Any, screens);
+        if (i > 40)
+            camera.encode(test::grey(20 + i), i * frameDuration, PictureKind::Any, cameras);
+        microphone.encode(test::soundWithClick(1, 1600, 10 * i), voices);
+        system.encode(test::soundWithClick(2, 1600, 10 * i), sounds);
+    }
+    screen.finish(screens);
+    camera.finish(cameras);
+    microphone.finish(voices);
+    system.finish(sounds);
+    return muxer;
+}
+
+fs::path cutOff(const fs::path& file)
+{
+    record(file).reset();
     return file;
 }
 
@@ -121,8 +79,8 @@ fs::path journalOf(const fs::path& movie)
 TEST(MovieSalvage, aClipThatWasCutOffHasAllThatReachedTheDisk)
 {
     const test::TemporaryFolder folder;
-    const auto whole = record(folder / "whole.mov", Ending::Finished);
-    const auto movie = record(folder / "a: b.mov", Ending::CutOff);
+    const auto whole = folder / "whole.mov", movie = cutOff(folder / "a: b.mov");
+    record(whole)->finish(std::chrono::seconds(recorded));
     EXPECT_THROW(readTracks(movie), AppError);
     EXPECT_THAT(cutOffMovies(folder.path()), ElementsAre(movie)) << "nothing is left of the one that was finished";
 
@@ -152,14 +110,14 @@ TEST(MovieSalvage, aClipThatWasCutOffHasAllThatReachedTheDisk)
 TEST(MovieSalvage, whatDidNotReachTheDiskIsLeftOut)
 {
     const test::TemporaryFolder folder;
-    const auto movie = record(folder / "clip.mov", Ending::CutOff);
+    const auto movie = cutOff(folder / "clip.mov");
     fs::resize_file(movie, fs::file_size(movie) / 2);
     const auto length = completeMovie(movie);
     ASSERT_TRUE(length);
     EXPECT_NEAR(*length, (recorded - 1) / 2.0, 1);
     EXPECT_EQ(test::probeFrames(movie, "v:0").size(), packets(movie, "v:0").size());
 
-    const auto behind = record(folder / "behind.mov", Ending::CutOff);
+    const auto behind = cutOff(folder / "behind.mov");
     fs::resize_file(journalOf(behind), fs::file_size(journalOf(behind)) / 2 + 7);
     EXPECT_TRUE(completeMovie(behind)) << "in the middle of an entry";
     EXPECT_EQ(readTracks(behind).size(), 4U);
@@ -169,10 +127,10 @@ TEST(MovieSalvage, aClipInTheMakingIsLeftAlone)
 {
     const test::TemporaryFolder folder;
     const auto movie = folder / "clip.mov";
-    Recording recording(movie);
+    const auto muxer = record(movie);
     EXPECT_THAT(cutOffMovies(folder.path()), IsEmpty());
     EXPECT_EQ(completeMovie(movie), std::nullopt);
-    recording.finish();
+    muxer->finish(std::chrono::seconds(recorded));
     EXPECT_NEAR(test::probeEnd(movie, "v:0"), recorded, 2e-5);
     EXPECT_FALSE(fs::exists(journalOf(movie)));
 }
@@ -180,20 +138,18 @@ TEST(MovieSalvage, aClipInTheMakingIsLeftAlone)
 TEST(MovieSalvage, aJournalThatCannotBeUnderstoodChangesNothing)
 {
     const test::TemporaryFolder folder;
-    const auto movie = record(folder / "clip.mov", Ending::CutOff);
+    const auto movie = cutOff(folder / "clip.mov");
     const auto size = fs::file_size(movie);
     const auto journal = test::runCommand("cat '" + journalOf(movie).string() + "'");
     const auto isRefused = [&](const std::string& bytes) {
         std::ofstream(journalOf(movie), std::ios::binary) << bytes;
         return completeMovie(movie) == std::nullopt && fs::file_size(movie) == size;
     };
-    EXPECT_TRUE(isRefused(""));
-    EXPECT_TRUE(isRefused("nonsense"));
-    EXPECT_TRUE(isRefused(std::string(100'000, 'x')));
-    EXPECT_TRUE(isRefused(journal.substr(0, 300)));
     auto ofAnotherLibrary = journal;
     ++ofAnotherLibrary[16];
-    EXPECT_TRUE(isRefused(ofAnotherLibrary));
+    for (const auto& bytes :
+        { std::string(), std::string("nonsense"), std::string(100'000, 'x'), journal.substr(0, 300), ofAnotherLibrary })
+        EXPECT_TRUE(isRefused(bytes)) << bytes.substr(0, 20);
     std::ofstream(journalOf(movie), std::ios::binary) << journal;
     EXPECT_TRUE(completeMovie(movie));
     EXPECT_THAT(cutOffMovies(folder / "missing"), IsEmpty());
