@@ -1,12 +1,13 @@
 #include "support/HoldsSoon.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -94,102 +95,65 @@ private:
     pid_t m_guard = -1;
 };
 
-// A child in the background, a detached one, a daemon, and one that does not end when it is asked to.
-const std::string startsManyProcesses = "sleep 1000 & "
-                                        "setsid --fork sleep 1000; "
-                                        "(setsid sh -c 'sleep 1000 & sleep 1000' &) ; "
-                                        "setsid --fork sh -c 'trap \"\" TERM; while :; do sleep 1000; done'; ";
+// A child in the background, a detached one, a daemon, and one that does not end when it is asked to; and a folder with something
+// in it.
+const std::string startsALot = "sleep 1000 & "
+                               "setsid --fork sleep 1000; "
+                               "(setsid sh -c 'sleep 1000 & sleep 1000' &) ; "
+                               "setsid --fork sh -c 'trap \"\" TERM; while :; do sleep 1000; done'; "
+                               "mkdir $VANTRY_SESSION/folder; touch $VANTRY_SESSION/folder/file; echo $VANTRY_SESSION; ";
 constexpr int sleepersStarted = 5;
 
 /// Sleepers alone are counted: they stay, and a shell that starts one has got beyond what came before.
-bool allRun(const GuardedScript& script, int sleepers = sleepersStarted)
+bool haveStarted(const GuardedScript& script, int sleepers)
 {
     const auto sleeps = [](pid_t process) { return contentOf("/proc/" + std::to_string(process) + "/comm") == "sleep\n"; };
     return holdsSoon([&] { return std::ranges::count_if(script.processes(), sleeps) == sleepers; });
 }
 
-void expectNothingIsLeft(const GuardedScript& script, const fs::path& folder)
-{
-    EXPECT_TRUE(holdsSoon([&] { return script.processes().empty(); }));
-    EXPECT_TRUE(holdsSoon([&] { return !fs::exists(folder); })) << folder;
-}
-
-pid_t outerGuard(const GuardedScript& script)
-{
-    return script.guard();
-}
-
 pid_t innerGuard(const GuardedScript& script)
 {
-    for (pid_t process : script.processes())
-        if (contentOf("/proc/" + std::to_string(process) + "/stat").find(") S " + std::to_string(script.guard()) + " ")
-            != std::string::npos)
-            return process;
-    return 0;
+    const auto guard = std::to_string(script.guard());
+    return std::stoi(contentOf("/proc/" + guard + "/task/" + guard + "/children"));
 }
+
+struct Ending {
+    const char* command; ///< What the script becomes; one more sleeper.
+    std::function<void(GuardedScript&)> end;
+    std::optional<int> status;
+};
 
 } // namespace
 
-TEST(SessionGuard, handsTheStatusBack)
+TEST(SessionGuard, handsTheStatusBackWhenNobodyIsLeft)
 {
-    EXPECT_EQ(GuardedScript("exit 7").status(), 7);
+    GuardedScript script("setsid --fork sleep 1000; exit 7");
+    EXPECT_EQ(script.status(), 7);
+    EXPECT_THAT(script.processes(), testing::IsEmpty());
     EXPECT_EQ(GuardedScript("kill -KILL $$").status(), 128 + SIGKILL);
     EXPECT_EQ(GuardedScript("exec /no/such/program").status(), 127);
 }
 
-TEST(SessionGuard, theCommandHasAFolderWhileItRuns)
+TEST(SessionGuard, nothingIsLeftHoweverItEnds)
 {
-    GuardedScript script("echo $VANTRY_SESSION; read line; touch $VANTRY_SESSION/file; mkdir $VANTRY_SESSION/folder");
-    const fs::path folder = script.firstLine();
-    EXPECT_TRUE(fs::is_directory(folder));
-    script.type("\n");
-    EXPECT_EQ(script.status(), 0);
-    EXPECT_FALSE(fs::exists(folder));
-}
-
-TEST(SessionGuard, nothingIsLeftWhenTheCommandEnds)
-{
-    GuardedScript script(startsManyProcesses + "echo $VANTRY_SESSION; read line; exit 5");
-    const auto folder = script.firstLine();
-    ASSERT_TRUE(allRun(script));
-    script.type("\n");
-    EXPECT_EQ(script.status(), 5);
-    EXPECT_THAT(script.processes(), testing::IsEmpty());
-    expectNothingIsLeft(script, folder);
-}
-
-TEST(SessionGuard, nothingIsLeftWhenItIsAskedToEnd)
-{
-    GuardedScript script(startsManyProcesses + "echo $VANTRY_SESSION; wait");
-    const auto folder = script.firstLine();
-    ASSERT_TRUE(allRun(script));
-    kill(script.guard(), SIGTERM);
-    EXPECT_EQ(script.status(), 128 + SIGTERM);
-    expectNothingIsLeft(script, folder);
-}
-
-TEST(SessionGuard, nothingIsLeftWhenEitherGuardIsKilled)
-{
-    for (auto victim : { outerGuard, innerGuard }) {
-        GuardedScript script(startsManyProcesses + "echo $VANTRY_SESSION; wait");
-        const auto folder = script.firstLine();
-        ASSERT_TRUE(allRun(script));
-        const pid_t killed = victim(script);
-        ASSERT_GT(killed, 0);
-        kill(killed, SIGKILL);
-        script.status();
-        expectNothingIsLeft(script, folder);
+    const Ending endings[] = {
+        { "sleep 1000 & read line; exit 5", [](GuardedScript& script) { script.type("\n"); }, 5 },
+        { "exec sleep 1000", [](GuardedScript& script) { script.type("\x03"); }, 128 + SIGINT },
+        { "exec sleep 1000", [](GuardedScript& script) { kill(script.guard(), SIGTERM); }, 128 + SIGTERM },
+        { "exec sleep 1000", [](GuardedScript& script) { kill(script.guard(), SIGKILL); }, {} },
+        { "exec sleep 1000", [](GuardedScript& script) { kill(innerGuard(script), SIGKILL); }, {} },
+    };
+    for (const auto& ending : endings) {
+        GuardedScript script(startsALot + ending.command);
+        const fs::path folder = script.firstLine();
+        ASSERT_TRUE(haveStarted(script, sleepersStarted + 1));
+        EXPECT_TRUE(fs::exists(folder / "folder/file"));
+        ending.end(script);
+        const int status = script.status();
+        EXPECT_EQ(status, ending.status.value_or(status));
+        EXPECT_TRUE(holdsSoon([&] { return script.processes().empty(); }));
+        EXPECT_TRUE(holdsSoon([&] { return !fs::exists(folder); })) << folder;
     }
-}
-
-TEST(SessionGuard, ctrlCEndsTheCommandAndWithItTheSession)
-{
-    GuardedScript script(startsManyProcesses + "echo $VANTRY_SESSION; exec sleep 1000");
-    const auto folder = script.firstLine();
-    ASSERT_TRUE(allRun(script, sleepersStarted + 1));
-    script.type("\x03");
-    EXPECT_EQ(script.status(), 128 + SIGINT);
-    expectNothingIsLeft(script, folder);
 }
 
 TEST(SessionGuard, aCommandMaySurviveCtrlC)
