@@ -7,7 +7,6 @@
 #include <gmock/gmock.h>
 
 #include <atomic>
-#include <optional>
 
 namespace vantry {
 
@@ -22,33 +21,22 @@ class MediaDevicesTest : public test::EventLoopTest { };
 
 } // namespace
 
-TEST_F(MediaDevicesTest, knowsTheDesktopsDevicesAtOnce)
-{
-    PipeWireLoop loop("test.devices");
-    const MediaDevices devices(loop);
-    const auto list = devices.list();
-    EXPECT_THAT(list.cameras, Contains(MediaDevice{ "test-camera", "Test camera" }));
-    EXPECT_THAT(list.microphones, Contains(MediaDevice{ "test-microphone", "Test microphone" }));
-    // Other tests bring microphones too.
-    ASSERT_TRUE(list.defaultMicrophone);
-    EXPECT_TRUE(list.hasMicrophone(*list.defaultMicrophone));
-    // What the speakers play can be recorded too, but it is no microphone.
-    EXPECT_FALSE(list.hasMicrophone("test-sink"));
-}
-
-TEST_F(MediaDevicesTest, devicesComeAndGo)
+TEST_F(MediaDevicesTest, thoseOfTheDesktopAreKnownAtOnceAndOthersComeAndGo)
 {
     const auto camera = uniqueName("camera"), microphone = uniqueName("microphone");
     PipeWireLoop loop("test.devices");
     std::atomic<int> changes = 0;
     MediaDevices devices(loop, [&](const MediaDeviceList&) { ++changes; });
+    const auto atOnce = devices.list();
+    EXPECT_THAT(atOnce.cameras, Contains(MediaDevice{ "test-camera", "Test camera" }));
+    // Other tests bring microphones too.
+    EXPECT_TRUE(atOnce.defaultMicrophone && atOnce.hasMicrophone(*atOnce.defaultMicrophone));
+    EXPECT_FALSE(atOnce.hasMicrophone("test-sink")) << "what speakers play can be recorded too, but they are no microphone";
     {
         const DeviceProgram cameraProgram("testcamera", { camera, "Desk" });
         const DeviceProgram microphoneProgram("testmicrophone", { microphone, "Headset" });
         EXPECT_TRUE(pumpUntil([&] { return devices.list().hasCamera(camera) && devices.list().hasMicrophone(microphone); }));
-        EXPECT_THAT(devices.list().cameras, Contains(MediaDevice{ camera, "Desk" }));
         EXPECT_THAT(devices.list().microphones, Contains(MediaDevice{ microphone, "Headset" }));
-        EXPECT_TRUE(devices.list().hasCamera("test-camera"));
         EXPECT_GE(changes, 2);
     }
     EXPECT_TRUE(pumpUntil([&] { return !devices.list().hasCamera(camera) && !devices.list().hasMicrophone(microphone); }));

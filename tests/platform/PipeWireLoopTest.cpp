@@ -1,73 +1,40 @@
 #include "platform/PipeWireLoop.h"
 
+#include "platform/SoundOutput.h"
+#include "platform/SystemSound.h"
 #include "support/MediaServer.h"
 
 #include <gmock/gmock.h>
 
 #include <atomic>
-#include <filesystem>
-#include <fstream>
-#include <memory>
-#include <set>
 
 namespace vantry {
 
 namespace {
 
-using test::pumpUntil;
-
-std::multiset<std::string> threadNames()
-{
-    std::multiset<std::string> names;
-    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
-        std::ifstream file(task.path() / "comm");
-        std::string name;
-        std::getline(file, name);
-        names.insert(name);
-    }
-    return names;
-}
-
 class PipeWireLoopTest : public test::EventLoopTest { };
 
 } // namespace
 
-TEST_F(PipeWireLoopTest, answersOnAThreadOfItsOwnAndLeavesNoneBehind)
-{
-    std::make_unique<PipeWireLoop>("test.media").reset(); // A process that has its first thread may get helpers that stay.
-    const auto before = threadNames();
-    for (int i = 0; i < 3; ++i) {
-        PipeWireLoop loop("test.media");
-        EXPECT_TRUE(loop.awaitServer());
-        EXPECT_THAT(threadNames(), testing::Contains("test.media"));
-    }
-    // A thread that was joined is gone from the list a moment later.
-    pumpUntil([&] { return threadNames() == before; });
-    EXPECT_EQ(threadNames(), before);
-}
-
-TEST_F(PipeWireLoopTest, saysThatThereIsNoServer)
+TEST_F(PipeWireLoopTest, whoeverUsesItHearsOnceThatTheServerHasGone)
 {
     test::MediaServer server;
-    server.kill();
-    try {
-        PipeWireLoop loop("test.media");
-        FAIL() << "connected to nobody";
-    } catch (const AppError& error) {
-        EXPECT_THAT(error.what(), testing::StartsWith("There is no PipeWire server to connect to: "));
-    }
-}
-
-TEST_F(PipeWireLoopTest, reportsALostConnectionOnce)
-{
-    test::MediaServer server;
-    std::atomic<int> reports = 0;
-    PipeWireLoop loop("test.media", [&](const AppError&) { ++reports; });
+    std::atomic<int> lost = 0, unheard = 0, unplayed = 0;
+    PipeWireLoop loop("test.media", [&](const AppError&) { ++lost; });
+    const SystemSound sound(
+        loop, { .onSound = [](std::span<const float>, HostTime) {}, .onFailed = [&](const AppError&) { ++unheard; } });
+    SoundOutput output(loop, [&](const AppError&) { ++unplayed; });
     ASSERT_TRUE(loop.awaitServer());
+    output.start();
+    EXPECT_FALSE(output.heardAt(HostClock::now())) << "there is no device";
     server.kill();
-    EXPECT_TRUE(pumpUntil([&] { return reports > 0; }));
+    EXPECT_TRUE(test::pumpUntil([&] { return lost > 0 && unheard > 0 && unplayed > 0; }));
     EXPECT_FALSE(loop.awaitServer());
-    EXPECT_EQ(reports, 1);
+    EXPECT_EQ(lost, 1);
+    EXPECT_EQ(unheard, 1);
+    EXPECT_EQ(unplayed, 1);
+    EXPECT_THAT([] { PipeWireLoop another("test.media"); },
+        testing::ThrowsMessage<AppError>(testing::StartsWith("There is no PipeWire server to connect to: ")));
 }
 
 } // namespace vantry

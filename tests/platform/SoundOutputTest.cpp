@@ -1,11 +1,9 @@
 #include "platform/SoundOutput.h"
 
 #include "platform/PipeWireLoop.h"
-#include "support/MediaServer.h"
 #include "support/PumpUntil.h"
 #include "support/Speakers.h"
 
-#include <atomic>
 #include <cmath>
 
 namespace vantry {
@@ -64,21 +62,6 @@ TEST_F(SoundOutputTest, whatIsDiscardedIsNotHeard)
     const auto clicks = m_speakers.clicks();
     ASSERT_EQ(clicks.size(), 1u);
     EXPECT_NEAR(static_cast<double>(output.heardAt(clicks.front()).value_or(0)), static_cast<double>(first + 10'000), 480);
-}
-
-TEST_F(SoundOutputTest, saysOnceThatTheServerHasGone)
-{
-    test::MediaServer server;
-    std::atomic<int> failures = 0;
-    PipeWireLoop connection("test.output");
-    SoundOutput output(connection, [&](const AppError&) { ++failures; });
-    ASSERT_TRUE(connection.awaitServer());
-    output.start();
-    EXPECT_FALSE(output.heardAt(HostClock::now())) << "there is no device";
-    server.kill();
-    EXPECT_TRUE(pumpUntil([&] { return failures > 0; }));
-    EXPECT_FALSE(connection.awaitServer());
-    EXPECT_EQ(failures, 1);
 }
 
 } // namespace vantry
