@@ -1,10 +1,10 @@
 #include "ExportClip.h"
 
 #include "ExportMaterial.h"
+#include "ScreenContent.h"
 #include "capture/ClipSettings.h"
 #include "media/AudioEncoder.h"
 #include "media/Muxer.h"
-#include "support/ScreenContent.h"
 
 #include <algorithm>
 #include <cmath>
@@ -32,7 +32,7 @@ PictureKind kindOf(int frame)
 
 void writeScreen(VideoEncoder& encoder, const PacketSink& sink)
 {
-    test::ScreenContent content(screenSize.width, screenSize.height, test::Activity::Typing);
+    ScreenContent content(screenSize.width, screenSize.height, Activity::Typing);
     for (int frame = 0; frame < frameCount; ++frame)
         encoder.encode(content.picture(frame), frame * frameDuration, kindOf(frame), sink);
     encoder.finish(sink);

@@ -2,9 +2,9 @@
 #include "Figure.h"
 #include "ProcessorTime.h"
 
+#include "ScreenContent.h"
 #include "capture/ClipWriter.h"
 #include "support/FinishedClip.h"
-#include "support/ScreenContent.h"
 #include "support/TemporaryFolder.h"
 
 #include <random>

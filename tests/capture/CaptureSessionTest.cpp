@@ -9,7 +9,6 @@
 
 #include <atomic>
 #include <cmath>
-#include <filesystem>
 #include <limits>
 
 namespace vantry {
@@ -36,10 +35,10 @@ protected:
         const auto wanted = pictures.count() + more;
         return pumpUntil([&] { return pictures.count() >= wanted; });
     }
-    bool awaitCamera(const std::string& name, bool isThere)
+    bool awaitCamera(const std::string& name)
     {
         session.setOnDevices({}); // Connects.
-        return pumpUntil([&] { return session.devices().hasCamera(name) == isThere; });
+        return pumpUntil([&] { return session.devices().hasCamera(name); });
     }
 
     test::Collected<PictureSample> pictures;
@@ -56,21 +55,16 @@ protected:
 double differenceFrom(const CameraPattern& pattern, const Picture& picture)
 {
     double worst = 0;
-    for (int y : { picture.height() / 4, picture.height() / 2 }) {
+    for (const int y : { picture.height() / 4, picture.height() / 2 })
         for (int i = 0; i < 32; ++i) {
             const int x = (2 * i + 1) * picture.width() / 64;
             const auto colour = pattern.at(x, y);
             const double red = colour.red / 255.0, green = colour.green / 255.0, blue = colour.blue / 255.0;
             const double luma = 0.2126 * red + 0.7152 * green + 0.0722 * blue;
-            const auto differ = [&](int plane, double expected) {
-                const int shift = plane == PlaneY ? 0 : 1;
-                worst = std::max(worst, std::abs(picture.plane(plane).row(y >> shift)[x >> shift] - expected));
-            };
-            differ(PlaneY, 16 + 219 * luma);
-            differ(PlaneCb, 128 + 224 * (blue - luma) / 1.8556);
-            differ(PlaneCr, 128 + 224 * (red - luma) / 1.5748);
+            worst = std::max({ worst, std::abs(picture.plane(PlaneY).row(y)[x] - (16 + 219 * luma)),
+                std::abs(picture.plane(PlaneCb).row(y / 2)[x / 2] - (128 + 224 * (blue - luma) / 1.8556)),
+                std::abs(picture.plane(PlaneCr).row(y / 2)[x / 2] - (128 + 224 * (red - luma) / 1.5748)) });
         }
-    }
     return worst;
 }
 
@@ -89,7 +83,7 @@ TEST_F(CaptureSessionTest, everyFormatOfACameraBecomesTheSamePicture)
     for (const auto* format : { "YUY2", "NV12", "I420", "BGRx", "MJPG" }) {
         const auto name = uniqueName("camera");
         const DeviceProgram program("testcamera", { name, "Camera", format, "960x540" });
-        ASSERT_TRUE(awaitCamera(name, true)) << format;
+        ASSERT_TRUE(awaitCamera(name)) << format;
         session.configure(name, {});
         session.startCamera();
         EXPECT_EQ(session.cameraSize(), (PictureSize{ 960, 540 })) << format;
@@ -108,50 +102,28 @@ TEST_F(CaptureSessionTest, everyFormatOfACameraBecomesTheSamePicture)
 TEST_F(CaptureSessionTest, choosingTheSameDevicesAgainDisturbsNothing)
 {
     const test::OwnCamera camera;
-    ASSERT_TRUE(awaitCamera(camera.name(), true));
+    ASSERT_TRUE(awaitCamera(camera.name()));
     session.configure(camera.name(), "test-microphone");
+    EXPECT_EQ(session.micPower(), PowerMeter::silence);
     session.startCamera();
     ASSERT_TRUE(awaitPictures(5));
     EXPECT_EQ(session.cameraSize(), (PictureSize{ 1920, 1080 }));
-    session.configure(camera.name(), "test-microphone");
     session.configure(camera.name(), {});
     EXPECT_FALSE(session.hasMic());
     session.configure(camera.name(), "test-microphone");
     session.startCamera();
     EXPECT_TRUE(session.hasMic());
     EXPECT_TRUE(awaitPictures(5));
+    // The test microphone hears a tone of a quarter of full scale.
+    EXPECT_TRUE(pumpUntil([&] { return std::abs(session.micPower() + 15.05F) < 0.3F; })) << session.micPower();
     EXPECT_EQ(interruptions, 0);
 
     session.stopCamera();
     EXPECT_TRUE(session.hasCamera());
     EXPECT_EQ(session.cameraSize(), (PictureSize{ 1920, 1080 }));
     EXPECT_FALSE(session.preview().latest());
+    EXPECT_EQ(session.micPower(), PowerMeter::silence);
     EXPECT_EQ(interruptions, 1);
-    EXPECT_THAT(statuses.all(), testing::IsEmpty());
-}
-
-TEST_F(CaptureSessionTest, measuresTheMicrophone)
-{
-    session.configure({}, "test-microphone");
-    EXPECT_EQ(session.micPower(), PowerMeter::silence);
-    session.startCamera();
-    // The test microphone hears a tone of a quarter of full scale.
-    EXPECT_TRUE(pumpUntil([&] { return std::abs(session.micPower() + 15.05F) < 0.3F; })) << session.micPower();
-    EXPECT_FALSE(session.hasCamera());
-    EXPECT_FALSE(session.cameraSize());
-    session.stopCamera();
-    EXPECT_TRUE(session.hasMic());
-    EXPECT_EQ(session.micPower(), PowerMeter::silence);
-}
-
-TEST_F(CaptureSessionTest, aDeviceThatIsNotThereIsLeftOut)
-{
-    session.configure("no-such-camera", "test-microphone");
-    session.startCamera();
-    EXPECT_FALSE(session.cameraSize());
-    EXPECT_TRUE(session.hasMic());
-    EXPECT_TRUE(pumpUntil([&] { return sounds.count() > 3; }));
-    EXPECT_EQ(pictures.count(), 0u);
     EXPECT_THAT(statuses.all(), testing::IsEmpty());
 }
 
@@ -159,11 +131,14 @@ TEST_F(CaptureSessionTest, goesOnWithACameraThatWasAway)
 {
     const auto name = uniqueName("camera");
     const DeviceProgram::Arguments arguments{ name, "Desk camera" };
-    std::optional<DeviceProgram> program(std::in_place, "testcamera", arguments);
-    ASSERT_TRUE(awaitCamera(name, true));
     session.configure(name, "test-microphone");
     session.startCamera();
+    EXPECT_FALSE(session.cameraSize()) << "it is not there yet";
+    EXPECT_TRUE(session.hasMic());
+    EXPECT_TRUE(pumpUntil([&] { return sounds.count() > 3; }));
+    std::optional<DeviceProgram> program(std::in_place, "testcamera", arguments);
     ASSERT_TRUE(awaitPictures(3));
+    EXPECT_THAT(statuses.all(), testing::IsEmpty());
 
     program.reset();
     EXPECT_TRUE(pumpUntil([&] { return statuses.count() == 1; }));
@@ -184,7 +159,7 @@ TEST_F(CaptureSessionTest, opensACameraAgainThatFellSilent)
 {
     const auto name = uniqueName("camera");
     DeviceProgram program("testcamera", { name, "Desk camera" });
-    ASSERT_TRUE(awaitCamera(name, true));
+    ASSERT_TRUE(awaitCamera(name));
     session.configure(name, "test-microphone");
     session.startCamera();
     ASSERT_TRUE(awaitPictures(3));
@@ -196,26 +171,6 @@ TEST_F(CaptureSessionTest, opensACameraAgainThatFellSilent)
     EXPECT_TRUE(session.hasCamera());
     EXPECT_TRUE(awaitPictures(2));
     EXPECT_THAT(session.refusal(), testing::IsEmpty());
-}
-
-TEST_F(CaptureSessionTest, leavesNoThreadBehind)
-{
-    const test::OwnCamera camera;
-    ASSERT_TRUE(awaitCamera(camera.name(), true));
-    const auto threads = [] {
-        return std::distance(std::filesystem::directory_iterator("/proc/self/task"), std::filesystem::directory_iterator());
-    };
-    const auto before = threads();
-    for (int i = 0; i < 5; ++i) {
-        test::Collected<PictureSample> seen;
-        CaptureSession other(
-            queue, { .onPicture = [&](const PictureSample& sample) { seen.add(sample); }, .onSound = [](const auto&) {} });
-        other.configure(camera.name(), "test-microphone");
-        other.startCamera();
-        EXPECT_TRUE(pumpUntil([&] { return seen.count() > 0; }));
-    }
-    // A thread that was joined is gone from the list a moment later.
-    EXPECT_TRUE(pumpUntil([&] { return threads() == before; })) << threads() << " instead of " << before;
 }
 
 TEST_F(CaptureSessionTest, findsTheMediaServerWhenItComesAndWhenItIsBack)

@@ -1,12 +1,13 @@
 #include "capture/ScreenStream.h"
 
+#include "support/Collected.h"
+#include "support/HoldsSoon.h"
 #include "support/TestDesktop.h"
 #include "support/XServer.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <atomic>
-#include <condition_variable>
 #include <mutex>
 #include <thread>
 
@@ -14,60 +15,10 @@ namespace vantry {
 
 namespace {
 
+using test::holdsSoon;
 using test::TestDesktop;
-using test::XServer;
 
 constexpr std::uint32_t grey = 0x404040, white = 0xFFFFFF;
-
-/// Takes frames on a capture queue and lets the test wait for them.
-class Receiver {
-public:
-    ScreenStream::Handlers handlers()
-    {
-        return { .onFrame = [this](const ScreenFrame& frame) { take(frame); },
-            .onError = [this](const AppError& error) { fail(error); } };
-    }
-
-    template <typename Condition>
-    bool wait(Condition condition)
-    {
-        std::unique_lock lock(m_mutex);
-        return m_changed.wait_for(lock, std::chrono::seconds(20), [&] { return condition(m_frames, m_error); });
-    }
-
-    bool waitForLuma(int x, int y, int luma)
-    {
-        return wait([=](const auto& frames, const auto&) {
-            return !frames.empty() && frames.back().picture.plane(PlaneY).row(y)[x] == luma;
-        });
-    }
-
-    std::vector<ScreenFrame> frames()
-    {
-        std::lock_guard lock(m_mutex);
-        return m_frames;
-    }
-
-private:
-    void take(const ScreenFrame& frame)
-    {
-        std::lock_guard lock(m_mutex);
-        m_frames.push_back(frame);
-        m_changed.notify_all();
-    }
-
-    void fail(const AppError& error)
-    {
-        std::lock_guard lock(m_mutex);
-        m_error += error.what();
-        m_changed.notify_all();
-    }
-
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    std::vector<ScreenFrame> m_frames;
-    std::string m_error;
-};
 
 /// Luma of a grey.
 int lumaOf(std::uint32_t colour)
@@ -86,13 +37,24 @@ protected:
 
     std::unique_ptr<ScreenStream> start()
     {
-        return std::make_unique<ScreenStream>(displays().at(0), queue, receiver.handlers(), ScreenStream::Options());
+        const ScreenStream::Handlers handlers{ .onFrame = [this](const ScreenFrame& frame) { frames.add(frame); },
+            .onError = [this](const AppError& error) { errors.add(error.what()); } };
+        return std::make_unique<ScreenStream>(displays().at(0), queue, handlers, ScreenStream::Options());
     }
 
-    XServer server{ 641, 481 };
+    bool shows(int x, int y, std::uint32_t colour) const
+    {
+        return holdsSoon([&] {
+            const auto all = frames.all();
+            return !all.empty() && all.back().picture.plane(PlaneY).row(y)[x] == lumaOf(colour);
+        });
+    }
+
+    test::XServer server{ 641, 481 };
     TestDesktop desktop;
     xcb_window_t window = XCB_NONE;
-    Receiver receiver;
+    test::Collected<ScreenFrame> frames;
+    test::Collected<std::string> errors;
     Worker queue{ "capture" };
 };
 
@@ -128,48 +90,41 @@ TEST_F(ScreenStreamTest, deliversAFrameAtOnceAndThenWhatChangesWithItsTime)
     const auto stream = start();
     EXPECT_EQ(stream->width(), 640);
     EXPECT_EQ(stream->height(), 480);
-    ASSERT_TRUE(receiver.waitForLuma(100, 100, lumaOf(grey)));
-    const auto first = receiver.frames().at(0);
+    ASSERT_TRUE(shows(100, 100, grey));
+    const auto first = frames.all().at(0);
     EXPECT_EQ(first.picture.width(), 640);
     EXPECT_EQ(first.picture.plane(PlaneCb).row(10)[10], 128);
     EXPECT_GE(first.time, before);
 
     const auto painted = HostClock::now();
     desktop.fill(window, { 50, 60, 31, 21 }, white);
-    ASSERT_TRUE(receiver.waitForLuma(50, 60, lumaOf(white)));
-    const auto last = receiver.frames().back();
+    ASSERT_TRUE(shows(50, 60, white));
+    const auto last = frames.all().back();
     EXPECT_GE(last.time, painted);
     EXPECT_LE(last.time, HostClock::now());
-    EXPECT_EQ(last.picture.plane(PlaneY).row(80)[80], lumaOf(white));
-    EXPECT_EQ(last.picture.plane(PlaneY).row(81)[80], lumaOf(grey));
-    EXPECT_EQ(last.picture.plane(PlaneY).row(80)[81], lumaOf(grey));
+    const auto luma = last.picture.plane(PlaneY);
+    EXPECT_EQ(luma.row(80)[80], lumaOf(white));
+    EXPECT_EQ(luma.row(81)[80], lumaOf(grey));
+    EXPECT_EQ(luma.row(80)[81], lumaOf(grey));
     EXPECT_EQ(first.picture.plane(PlaneY).row(80)[80], lumaOf(grey)) << "a delivered picture never changes";
-}
-
-TEST_F(ScreenStreamTest, staysSilentWhileNothingLooksDifferent)
-{
-    const auto stream = start();
-    ASSERT_TRUE(receiver.waitForLuma(100, 100, lumaOf(grey)));
-    desktop.fill(window, { 0, 0, 10, 10 }, white);
-    ASSERT_TRUE(receiver.waitForLuma(5, 5, lumaOf(white)));
-    const auto count = receiver.frames().size();
     // Painted again as it was: work for the stream, but no picture.
+    const auto count = frames.count();
     for (const auto end = HostClock::now() + std::chrono::milliseconds(700); HostClock::now() < end;) {
-        desktop.fill(window, { 0, 0, 10, 10 }, white);
+        desktop.fill(window, { 50, 60, 31, 21 }, white);
         desktop.finish();
     }
-    EXPECT_EQ(receiver.frames().size(), count);
+    EXPECT_EQ(frames.count(), count);
 }
 
 TEST_F(ScreenStreamTest, delivers30FramesASecondAtMost)
 {
     const auto stream = start();
     const Painter painter(window);
-    ASSERT_TRUE(receiver.wait([](const auto& frames, const auto&) { return frames.size() > 45; }));
-    const auto frames = receiver.frames();
-    EXPECT_LE(44.0, 30 * seconds(frames[45].time - frames[0].time) + 1);
-    for (std::size_t i = 1; i < frames.size(); ++i)
-        EXPECT_LT(frames[i - 1].time, frames[i].time);
+    ASSERT_TRUE(holdsSoon([&] { return frames.count() > 45; }));
+    const auto all = frames.all();
+    EXPECT_LE(44.0, 30 * seconds(all[45].time - all[0].time) + 1);
+    for (std::size_t i = 1; i < all.size(); ++i)
+        EXPECT_LT(all[i - 1].time, all[i].time);
 }
 
 TEST_F(ScreenStreamTest, waitsForAQueueThatIsBusyAndCatchesUp)
@@ -184,8 +139,8 @@ TEST_F(ScreenStreamTest, waitsForAQueueThatIsBusyAndCatchesUp)
     }
     desktop.fill(window, { 0, 0, 300, 300 }, white);
     hold.unlock();
-    EXPECT_TRUE(receiver.waitForLuma(100, 100, lumaOf(white))) << "what changed meanwhile is in the next frame";
-    EXPECT_LE(receiver.frames().size(), 9u);
+    EXPECT_TRUE(shows(100, 100, white)) << "what changed meanwhile is in the next frame";
+    EXPECT_LE(frames.count(), 9u);
 }
 
 TEST_F(ScreenStreamTest, callsNobodyOnceStopped)
@@ -193,23 +148,22 @@ TEST_F(ScreenStreamTest, callsNobodyOnceStopped)
     const Painter painter(window);
     for (int i = 0; i < 5; ++i) {
         const auto stream = start();
-        ASSERT_TRUE(receiver.wait(
-            [before = receiver.frames().size()](const auto& frames, const auto&) { return frames.size() > before + 1; }));
+        ASSERT_TRUE(holdsSoon([&, before = frames.count()] { return frames.count() > before + 1; }));
         stream->stop();
-        const auto count = receiver.frames().size();
+        const auto count = frames.count();
         queue.sync([] {});
-        EXPECT_EQ(receiver.frames().size(), count);
+        EXPECT_EQ(frames.count(), count);
     }
 }
 
 TEST_F(ScreenStreamTest, endsWithAnErrorWhenTheServerDies)
 {
     const auto stream = start();
-    ASSERT_TRUE(receiver.waitForLuma(100, 100, lumaOf(grey)));
+    ASSERT_TRUE(shows(100, 100, grey));
     server.kill();
-    EXPECT_TRUE(
-        receiver.wait([](const auto&, const auto& error) { return error == "The connection to the display server was lost"; }));
+    EXPECT_TRUE(holdsSoon([&] { return errors.count() > 0; }));
     stream->stop();
+    EXPECT_THAT(errors.all(), testing::ElementsAre("The connection to the display server was lost"));
 }
 
 } // namespace vantry

@@ -47,8 +47,6 @@ public:
         : m_writer(writer)
         , m_movie(movie)
     {
-        if (movie.activity)
-            m_content.emplace(movie.screen.width, movie.screen.height, *movie.activity);
     }
 
     /// Everything that happens within the frame.
@@ -78,8 +76,6 @@ private:
         const auto time = start + std::chrono::duration_cast<HostDuration>(frame * frameDuration);
         if (isFlash(frame))
             m_writer.append(PictureSample{ flashPicture(size), time }, kind);
-        else if (m_content && kind == TrackKind::screen)
-            m_writer.append(PictureSample{ m_content->picture(frame), time }, kind);
         else
             m_writer.append(PictureSample{ barPicture(size, shades, frame), time }, kind);
     }
@@ -113,7 +109,6 @@ private:
 
     ClipWriter& m_writer;
     const TestMovie& m_movie;
-    std::optional<ScreenContent> m_content;
 };
 
 } // namespace

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "media/PictureSize.h"
-#include "support/ScreenContent.h"
 
 #include <filesystem>
 #include <optional>
@@ -19,7 +18,6 @@ struct TestMovie {
     std::optional<double>
         flash{}; ///< All picture tracks are bright for one frame; a multiple of 1/30 s. Otherwise they are dark with a moving bar.
     std::optional<double> click{}; ///< Both sounds click: eight samples close to full scale in an otherwise quiet tone.
-    std::optional<Activity> activity{}; ///< The screen shows this instead of the moving bar.
     std::vector<float> voice{}; ///< The microphone hears this instead, and then nothing.
     double tone = 0.1; ///< Loudness of the tone: 440 Hz in the microphone, 660 Hz in the system sound.
 };

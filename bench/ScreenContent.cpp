@@ -1,11 +1,11 @@
-#include "support/ScreenContent.h"
+#include "ScreenContent.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <numbers>
 
-namespace vantry::test {
+namespace vantry {
 
 namespace {
 
@@ -195,4 +195,4 @@ Picture ScreenContent::motion(int number)
     return std::move(buffer).share();
 }
 
-} // namespace vantry::test
+} // namespace vantry

@@ -2,7 +2,7 @@
 
 #include "media/Picture.h"
 
-namespace vantry::test {
+namespace vantry {
 
 enum class Activity {
     Typing, ///< Somebody types into an editor while a log scrolls beside it: what screens mostly do.
@@ -27,4 +27,4 @@ private:
     Picture m_photograph; ///< Larger than the screen, so that the screen can move over it.
 };
 
-} // namespace vantry::test
+} // namespace vantry
