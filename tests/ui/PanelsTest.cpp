@@ -83,16 +83,16 @@ protected:
             return fs::exists(m_home / "config/vantry/settings.ini");
         }));
         runCommand("xdotool key ctrl+alt+r");
-        ASSERT_TRUE(holdsSoon([this] { return isSeen("Vantry controls") && !clip().empty(); }));
+        ASSERT_TRUE(holdsSoon([this] { return isSeen("Vantry controls") && !fileWith(".mov").empty(); }));
     }
 
-    fs::path clip() const { return fileWith(".mov"); }
     Project project() const
     {
         const fs::path file = fileWith(".json");
         return file.empty() ? Project() : loadProject(file.parent_path());
     }
 
+    /// Of what was recorded.
     fs::path fileWith(const std::string& extension) const
     {
         if (fs::exists(m_home / "Videos/Vantry"))
@@ -181,7 +181,7 @@ TEST_F(PanelsTest, areNoPartOfTheRecording)
     runCommand("xdotool mousemove 730 700 sleep 0.5 key ctrl+alt+r");
     ASSERT_TRUE(holdsSoon([&] { return project().clips.size() == 1; }));
     const std::string luma =
-        runCommand("ffmpeg -v error -i '" + clip().string() + "' -vf crop=764:68:258:10 -f rawvideo -pix_fmt gray -");
+        runCommand("ffmpeg -v error -i '" + fileWith(".mov").string() + "' -vf crop=764:68:258:10 -f rawvideo -pix_fmt gray -");
     EXPECT_GE(luma.size(), 2 * 764 * 68);
     const auto [darkest, lightest] = std::ranges::minmax(luma, {}, [](char value) { return static_cast<unsigned char>(value); });
     EXPECT_NEAR(static_cast<unsigned char>(darkest), 0.2126 * 0x2E + 0.7152 * 0x7D + 0.0722 * 0x32, 8);

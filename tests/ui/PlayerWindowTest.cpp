@@ -38,8 +38,6 @@ bool isPicture(std::uint32_t colour)
 struct Point {
     int x;
     int y;
-
-    bool operator==(const Point&) const = default;
 };
 
 /// The window of a project, used with mouse and keyboard.

@@ -36,18 +36,6 @@ Picture colouredNoise(int width, int height)
     return std::move(picture).share();
 }
 
-Picture chequers(int width, int height, int side)
-{
-    PictureBuffer picture(width, height);
-    picture.fill(16, 128, 128);
-    const auto luma = picture.plane(PlaneY);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x)
-            if ((x / side + y / side) % 2)
-                luma.row(y)[x] = 235;
-    return std::move(picture).share();
-}
-
 QColor colourAt(const Picture& picture, int x, int y)
 {
     const double luma = (picture.plane(PlaneY).row(y)[x] - 16) / 219.0;

@@ -9,9 +9,6 @@ namespace vantry::test {
 /// Blocks of colours, and within them every pixel has a brightness of its own.
 Picture colouredNoise(int width, int height);
 
-/// Grey squares, dark and light in turn.
-Picture chequers(int width, int height, int side);
-
 /// The colour that the samples of a pixel stand for. Exact where the chroma around it is the same.
 QColor colourAt(const Picture& picture, int x, int y);
 
