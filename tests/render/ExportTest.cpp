@@ -1,14 +1,12 @@
-#include "TestClip.h"
+#include "TestProject.h"
 #include "base/AppError.h"
 #include "render/Exporter.h"
 #include "support/MovieProbe.h"
-#include "support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
 #include <csignal>
-#include <fstream>
 #include <sys/resource.h>
 
 namespace vantry {
@@ -24,24 +22,17 @@ namespace {
 constexpr std::uint8_t dark = 40;
 constexpr std::uint8_t bright = 220;
 
-class ExportTest : public testing::Test {
+class ExportTest : public testing::Test, protected TestProject {
 protected:
     ExportTest()
     {
-        std::filesystem::create_directory(m_folder / "out");
-        m_project.layouts.push_back({ .time = 0, .layout = Layout::screen });
-    }
-
-    void add(const TestClip& clip, double keep)
-    {
-        const auto name = "clip-" + std::to_string(m_project.clips.size() + 1) + ".mov";
-        writeClip(m_folder / name, clip);
-        m_project.clips.push_back({ .file = name, .duration = clip.frames / 30.0, .keep = keep, .transcript = {} });
+        std::filesystem::create_directory(folder / "out");
+        project.layouts.push_back({ .time = 0, .layout = Layout::screen });
     }
 
     ExportOptions options() const
     {
-        return { .project = m_project, .folder = m_folder.path(), .destination = m_destination, .height = 180 };
+        return { .project = project, .folder = folder.path(), .destination = m_destination, .height = 180 };
     }
 
     std::function<void()> exporting() const
@@ -61,9 +52,7 @@ protected:
     void putOldVideo() const { std::ofstream(m_destination) << "old"; }
     bool isOldVideo() const { return std::filesystem::file_size(m_destination) == 3; }
 
-    TemporaryFolder m_folder;
-    const std::filesystem::path m_destination = m_folder / "out" / "Intro.mp4";
-    Project m_project;
+    std::filesystem::path m_destination = folder / "out" / "Intro.mp4";
 };
 
 std::uint8_t flashAt(int flash, int frame)
@@ -78,15 +67,6 @@ std::vector<std::size_t> flashes(const std::vector<ProbedFrame>& frames)
         if (frames[i].luma > 130)
             found.push_back(i);
     return found;
-}
-
-/// Overwrites the beginning of the media data.
-void spoilPictures(const std::filesystem::path& movie)
-{
-    std::fstream file(movie, std::ios::in | std::ios::out | std::ios::binary);
-    const std::string bytes{ std::istreambuf_iterator<char>(file), {} };
-    file.seekp(static_cast<std::streamoff>(bytes.find("mdat") + 4));
-    file << std::string(500, '\xff');
 }
 
 /// The file size that this process may write while it lives, like a disk with so much room left.
@@ -150,18 +130,6 @@ TEST_F(ExportTest, theFileIsWhatVideoSitesTake)
     EXPECT_NE(permissions & std::filesystem::perms::owner_read, std::filesystem::perms::none);
 }
 
-TEST_F(ExportTest, everyHeightHasItsWidth)
-{
-    EXPECT_EQ(exportSize(720), (PictureSize{ 1280, 720 }));
-    EXPECT_EQ(exportSize(1080), (PictureSize{ 1920, 1080 }));
-    EXPECT_EQ(exportSize(1440), (PictureSize{ 2560, 1440 }));
-    EXPECT_EQ(exportSize(2160), (PictureSize{ 3840, 2160 }));
-    EXPECT_EQ(exportSize(180).width % 2, 0);
-    EXPECT_EQ(exportSize(122), (PictureSize{ 216, 122 }));
-    EXPECT_THROW(exportSize(721), AppError);
-    EXPECT_THROW(exportSize(0), AppError);
-}
-
 TEST_F(ExportTest, soundAndPictureStayTogetherAcrossClips)
 {
     // A flash and a click at the same instant of each clip; the second clip's are moved by what is kept of the first.
@@ -191,19 +159,23 @@ TEST_F(ExportTest, aSilentProjectHasNoSoundTrack)
     EXPECT_TRUE(probeStream(m_destination, "a:0").empty());
 }
 
-TEST_F(ExportTest, aFailureLeavesWhatWasThere)
+TEST_F(ExportTest, aFailureIsSaidAndLeavesWhatWasThere)
 {
     putOldVideo();
     EXPECT_THAT(exporting(), ThrowsMessage<AppError>("Nothing recorded yet"));
+    add({}, 0);
+    EXPECT_THAT(exporting(), ThrowsMessage<AppError>("Nothing recorded yet"));
     add({ .frames = 60, .camera = [](int) { return dark; } }, 2);
     add({ .frames = 60 }, 2);
-    const auto second = m_folder / "clip-2.mov";
-    spoilPictures(second); // Which is found only while the export runs.
-    EXPECT_THAT(exporting(), ThrowsMessage<AppError>(HasSubstr("Cannot read clip-2.mov")));
-    std::filesystem::resize_file(second, std::filesystem::file_size(second) / 2);
-    EXPECT_THAT(exporting(), ThrowsMessage<AppError>(HasSubstr("Cannot read clip-2.mov")));
-    std::filesystem::remove(second);
-    EXPECT_THAT(exporting(), ThrowsMessage<AppError>("Cannot read clip-2.mov: No such file or directory"));
+    const auto last = folder / "clip-3.mov";
+    spoil("clip-3.mov"); // Which is found only while the export runs.
+    EXPECT_THAT(exporting(), ThrowsMessage<AppError>(HasSubstr("Cannot read clip-3.mov: ")));
+    std::filesystem::resize_file(last, std::filesystem::file_size(last) / 2);
+    EXPECT_THAT(exporting(), ThrowsMessage<AppError>("Cannot read clip-3.mov: The end of the file is missing"));
+    std::ofstream(last) << "no movie";
+    EXPECT_THAT(exporting(), ThrowsMessage<AppError>(HasSubstr("Cannot read clip-3.mov: ")));
+    std::filesystem::remove(last);
+    EXPECT_THAT(exporting(), ThrowsMessage<AppError>("Cannot read clip-3.mov: No such file or directory"));
     EXPECT_THAT(outcome(), testing::ElementsAre("Intro.mp4"));
     EXPECT_TRUE(isOldVideo());
 }
@@ -238,12 +210,10 @@ TEST_F(ExportTest, aFullDiskIsSaidInClearWordsAndLeavesNothing)
 TEST_F(ExportTest, aPlaceThatCannotBeWrittenIsSaidAtOnce)
 {
     add({ .frames = 3 }, 0.1);
-    auto wanted = options();
-    wanted.destination = m_folder / "none" / "Intro.mp4";
-    EXPECT_THAT(
-        [&] { Video::exportProject(wanted); }, ThrowsMessage<AppError>("Could not write Intro.mp4: No such file or directory"));
-    wanted.destination = m_folder / "out";
-    EXPECT_THAT([&] { Video::exportProject(wanted); }, ThrowsMessage<AppError>("Could not write out: Is a directory"));
+    m_destination = folder / "none" / "Intro.mp4";
+    EXPECT_THAT(exporting(), ThrowsMessage<AppError>("Could not write Intro.mp4: No such file or directory"));
+    m_destination = folder / "out";
+    EXPECT_THAT(exporting(), ThrowsMessage<AppError>("Could not write out: Is a directory"));
 }
 
 } // namespace vantry

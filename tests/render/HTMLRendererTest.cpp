@@ -1,20 +1,16 @@
 #include "render/HTMLRenderer.h"
 #include "support/OverlayHelperProcess.h"
 #include "support/PumpUntil.h"
+#include "support/SilentServer.h"
 #include "support/TemporaryFolder.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <QElapsedTimer>
 
-#include <algorithm>
-#include <atomic>
 #include <csignal>
 #include <cstring>
 #include <fstream>
-#include <netinet/in.h>
-#include <stdexcept>
-#include <sys/socket.h>
 #include <sys/wait.h>
 #include <thread>
 
@@ -83,76 +79,6 @@ Overlay numbered(Overlay overlay, int number)
     return overlay;
 }
 
-/// A server of this machine that counts who comes.
-class LocalServer {
-public:
-    LocalServer()
-    {
-        sockaddr_in address{ .sin_family = AF_INET, .sin_port = 0, .sin_addr = { htonl(INADDR_LOOPBACK) }, .sin_zero = {} };
-        socklen_t size = sizeof address;
-        if (bind(m_socket, reinterpret_cast<sockaddr*>(&address), size) != 0 || listen(m_socket, 50) != 0)
-            throw std::runtime_error("No server");
-        getsockname(m_socket, reinterpret_cast<sockaddr*>(&address), &size);
-        m_url = "http://127.0.0.1:" + std::to_string(ntohs(address.sin_port)) + "/";
-    }
-    ~LocalServer() { close(m_socket); }
-
-    const std::string& url() const { return m_url; }
-    bool wasVisited() const { return accept(m_socket, nullptr, nullptr) >= 0; }
-
-private:
-    const int m_socket = socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
-    std::string m_url;
-};
-
-/// Keeps every core busy.
-class Load {
-public:
-    Load()
-    {
-        for (unsigned core = 0; core < std::thread::hardware_concurrency(); ++core)
-            m_threads.emplace_back([this](const std::stop_token& stop) {
-                while (!stop.stop_requested())
-                    ++m_work;
-            });
-    }
-
-private:
-    std::atomic<long> m_work = 0;
-    std::vector<std::jthread> m_threads;
-};
-
-/// The longest time for which the event loop did not come to a timer of 5 ms, without the time in which it waited for a processor.
-class LongestStall {
-public:
-    LongestStall()
-    {
-        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] {
-            const double delay = processorDelay();
-            m_longest = std::max(m_longest, static_cast<double>(m_since.restart()) - (delay - m_delay));
-            m_delay = delay;
-        });
-        m_timer.setTimerType(Qt::PreciseTimer);
-        m_since.start();
-        m_timer.start(5);
-    }
-    double milliseconds() const { return m_longest; }
-
-private:
-    /// What this thread has waited for one so far, in milliseconds.
-    static double processorDelay()
-    {
-        double running = 0, waiting = 0;
-        std::ifstream("/proc/thread-self/schedstat") >> running >> waiting;
-        return waiting / 1e6;
-    }
-
-    QTimer m_timer;
-    QElapsedTimer m_since;
-    double m_delay = processorDelay();
-    double m_longest = 0;
-};
-
 class HTMLRendererTest : public test::EventLoopTest {
 protected:
     /// Waits as the application does, with its event loop running.
@@ -164,47 +90,30 @@ protected:
     }
     HTMLRenderer::Image imageOf(const Overlay& overlay) { return imageOf(m_renderer, overlay); }
 
+    /// What has to be a bitmap.
+    Bitmap bitmapOf(const Overlay& overlay) { return imageOf(overlay).value(); }
+
     HTMLRenderer m_renderer;
 };
 
 } // namespace
 
-TEST(HTMLRenderer, theKeyIsTheWidthInCssPixelsAndTheFragment)
-{
-    EXPECT_EQ(HTMLRenderer::renderKey(fragment("<b>", 0.42)), "806.4|<b>");
-    EXPECT_EQ(HTMLRenderer::renderKey(fragment("<b>", 0.7)), "1344.0|<b>");
-}
-
 TEST_F(HTMLRendererTest, everyKindIsShownWholeOnATransparentGround)
 {
     for (const auto& [kind, width] :
-        { std::pair(OverlayKind::bubble, 1613), { OverlayKind::text, 2688 }, { OverlayKind::lowerThird, 2381 } }) {
-        const auto image = imageOf(Overlay::make(kind, "Sharp 👍 text", 0));
-        ASSERT_TRUE(image);
-        EXPECT_EQ(image->width(), width);
-        EXPECT_EQ(image->height() % 2, 0);
-        EXPECT_EQ(at(*image, 0, 0), clear);
-        EXPECT_EQ(at(*image, width - 1, image->height() - 1), clear);
-        EXPECT_EQ(at(*image, width - 1, image->height() / 2), clear);
+        { std::pair(OverlayKind::text, 2688), { OverlayKind::lowerThird, 2381 }, { OverlayKind::bubble, 1613 } }) {
+        const auto image = bitmapOf(Overlay::make(kind, "Sharp text", 0));
+        EXPECT_EQ(image.width(), width);
+        EXPECT_EQ(at(image, 0, 0), clear);
+        EXPECT_EQ(at(image, width - 1, image.height() - 1), clear);
+        EXPECT_EQ(at(image, width - 1, image.height() / 2), clear);
+        if (kind != OverlayKind::bubble)
+            continue;
+        // The page's margin, the bubble's own, a line, and the bubble's own again, in CSS pixels. Below it is its tail.
+        const int below = static_cast<int>(2 * (28 + 24 + 46 * 1.2 + 24)) + 30;
+        EXPECT_EQ(at(image, width / 2, below), white);
+        EXPECT_NE(at(image, width / 2 - 40, below), white);
     }
-}
-
-TEST_F(HTMLRendererTest, theBubbleHasItsTailAndColouredEmoji)
-{
-    const auto image = imageOf(Overlay::make(OverlayKind::bubble, "👍", 0));
-    ASSERT_TRUE(image);
-    // The page's margin, the bubble's own, a line, and the bubble's own again, in CSS pixels; the tail is as wide as it is high
-    // there.
-    const int bottom = static_cast<int>(2 * (28 + 24 + 46 * 1.2 + 24));
-    const int middle = image->width() / 2;
-    EXPECT_EQ(at(*image, middle, bottom + 30), white);
-    EXPECT_NE(at(*image, middle - 40, bottom + 30), white);
-    int coloured = 0;
-    for (int x = 0; x < image->width(); ++x) {
-        const auto pixel = at(*image, x, bottom / 2 + 28);
-        coloured += pixel.alpha == 255 && pixel.red > pixel.blue + 100;
-    }
-    EXPECT_GT(coloured, 10);
 }
 
 TEST_F(HTMLRendererTest, emojiAreColouredAndTextIsNotInEveryFont)
@@ -215,36 +124,26 @@ TEST_F(HTMLRendererTest, emojiAreColouredAndTextIsNotInEveryFont)
     const std::vector<std::string> text{ "a", "1", "#", "™", "™️", "©", "©️", "®", "®️", "→", "←", "↔", "▶", "↗", "‼",
         "✓", "❤︎" };
     for (const std::string font : { "-apple-system,system-ui", "system-ui", "Arial", "sans-serif", "serif", "monospace" }) {
-        const auto colours = imageOf(row(emoji, font));
-        const auto letters = imageOf(row(text, font));
-        ASSERT_TRUE(colours && letters);
+        const auto colours = bitmapOf(row(emoji, font)), letters = bitmapOf(row(text, font));
         for (std::size_t i = 0; i < emoji.size(); ++i)
-            EXPECT_EQ(inkAt(*colours, static_cast<int>(i)), Ink::Coloured) << emoji[i] << " in " << font;
+            EXPECT_EQ(inkAt(colours, static_cast<int>(i)), Ink::Coloured) << emoji[i] << " in " << font;
         for (std::size_t i = 0; i < text.size(); ++i)
-            EXPECT_EQ(inkAt(*letters, static_cast<int>(i)), Ink::Black) << text[i] << " in " << font;
+            EXPECT_EQ(inkAt(letters, static_cast<int>(i)), Ink::Black) << text[i] << " in " << font;
     }
-    const auto escaped = imageOf(row({ R"(<style>i::before{content:"\25B6\FE0F"}</style>)" }, "system-ui"));
-    ASSERT_TRUE(escaped);
-    EXPECT_EQ(inkAt(*escaped, 0), Ink::Coloured);
+    EXPECT_EQ(inkAt(bitmapOf(row({ R"(<style>i::before{content:"\25B6\FE0F"}</style>)" }, "system-ui")), 0), Ink::Coloured);
 }
 
 TEST_F(HTMLRendererTest, theBitmapHasTheContentsSizeToThePixel)
 {
-    const auto image = imageOf(fragment(R"(<div style="margin:-28px;height:150.6px;background:#f00"></div>)"));
-    ASSERT_TRUE(image);
-    EXPECT_EQ(image->width(), 1613) << "806.4 CSS pixels";
-    EXPECT_EQ(at(*image, 1612, 100), red);
-    const auto high = imageOf(fragment(R"(<div style="height:94px"></div>)"));
-    ASSERT_TRUE(high);
-    EXPECT_EQ(high->height(), 300);
-    const auto empty = imageOf(fragment("<style>body{padding:0!important}</style>", 0.01));
-    ASSERT_TRUE(empty);
-    EXPECT_EQ(empty->width(), 38);
-    EXPECT_EQ(empty->height(), 2);
-    const auto percent = imageOf(fragment("%1 %2 %3 ${1} \\ ' \" `"));
-    const auto sameInWords = imageOf(fragment("&#37;1 &#37;2 &#37;3 &#36;{1} &#92; &apos; &quot; &#96;"));
-    ASSERT_TRUE(percent && sameInWords);
-    EXPECT_TRUE(*percent == *sameInWords);
+    const auto image = bitmapOf(fragment(R"(<div style="margin:-28px;height:150.6px;background:#f00"></div>)"));
+    EXPECT_EQ(image.width(), 1613) << "806.4 CSS pixels";
+    EXPECT_EQ(at(image, 1612, 100), red);
+    EXPECT_EQ(bitmapOf(fragment(R"(<div style="height:94px"></div>)")).height(), 300);
+    const auto empty = bitmapOf(fragment("<style>body{padding:0!important}</style>", 0.01));
+    EXPECT_EQ(empty.width(), 38);
+    EXPECT_EQ(empty.height(), 2);
+    EXPECT_TRUE(bitmapOf(fragment("%1 %2 %3 ${1} \\ ' \" `"))
+        == bitmapOf(fragment("&#37;1 &#37;2 &#37;3 &#36;{1} &#92; &apos; &quot; &#96;")));
     EXPECT_FALSE(imageOf(fragment("too narrow", 0)));
     EXPECT_FALSE(imageOf(fragment("too wide", 1e300)));
 }
@@ -259,24 +158,26 @@ TEST_F(HTMLRendererTest, oneFragmentOfOneWidthIsRenderedOnce)
     EXPECT_EQ(imageOf(overlay)->width(), 1651);
 }
 
-TEST_F(HTMLRendererTest, underLoadPicturesStayTheSameAndTheEventLoopRuns)
+TEST_F(HTMLRendererTest, underLoadPicturesStayTheSameAndNobodyWaitsForThem)
 {
     const auto overlay = Overlay::make(OverlayKind::text, "The same 🎉 each time", 0);
     const auto moving = fragment("<style>@keyframes a{from{width:10px}to{width:300px}}div{animation:a 1s infinite alternate;"
                                  "height:50px;background:red}</style><div></div>");
-    const auto expected = imageOf(overlay);
-    const auto still = imageOf(moving);
-    ASSERT_TRUE(expected && still);
-    const LongestStall stall;
-    const Load load;
+    const auto expected = bitmapOf(overlay);
+    const auto still = bitmapOf(moving);
+    std::vector<std::jthread> load;
+    for (unsigned core = 0; core < std::thread::hardware_concurrency(); ++core)
+        load.emplace_back([](const std::stop_token& stop) {
+            while (!stop.stop_requested())
+                std::this_thread::yield();
+        });
     std::vector<QFuture<HTMLRenderer::Image>> images;
     for (int i = 0; i < 20; ++i)
         images.push_back(m_renderer.image(numbered(i % 4 ? overlay : moving, i)));
-    ASSERT_TRUE(test::pumpUntil([&] { return images.back().isFinished(); }, 60s));
-    EXPECT_LT(stall.milliseconds(), 50);
+    EXPECT_FALSE(images.back().isFinished());
+    ASSERT_TRUE(test::pumpUntil([&] { return images.back().isFinished(); }));
     for (std::size_t i = 0; i < images.size(); ++i) {
-        ASSERT_TRUE(images[i].result()) << i;
-        EXPECT_TRUE(*images[i].result() == (i % 4 ? *expected : *still)) << i;
+        EXPECT_TRUE(images[i].result().value() == (i % 4 ? expected : still)) << i;
     }
 }
 
@@ -297,16 +198,12 @@ TEST_F(HTMLRendererTest, noStyleOfAFragmentReachesBeyondIt)
              { "html{content-visibility:hidden}", 2 },
              { "*{contain:strict!important}", 2 },
          }) {
+        SCOPED_TRACE(style);
         const auto overlay = fragment("<meta name=color-scheme content=dark><style>" + style + "</style>" + box);
-        const auto image = imageOf(overlay);
-        ASSERT_TRUE(image) << style;
-        if (expected != 0) {
-            EXPECT_EQ(image->height(), expected) << style;
-        }
-        EXPECT_EQ(at(*image, 0, image->height() - 1), clear) << style;
-        const auto again = imageOf(numbered(overlay, 1));
-        ASSERT_TRUE(again) << style;
-        EXPECT_TRUE(*again == *image) << style;
+        const auto image = bitmapOf(overlay);
+        EXPECT_TRUE(expected == 0 || image.height() == expected) << image.height();
+        EXPECT_EQ(at(image, 0, image.height() - 1), clear);
+        EXPECT_TRUE(bitmapOf(numbered(overlay, 1)) == image);
     }
 }
 
@@ -320,24 +217,17 @@ TEST_F(HTMLRendererTest, whatMovesByItselfStandsStill)
              "<svg><rect width=9 height=9><animate attributeName=x to=90 dur=1s repeatCount=indefinite /></rect></svg>",
              "<iframe srcdoc='a'></iframe><iframe sandbox srcdoc='b'></iframe>",
          }) {
-        const auto image = imageOf(fragment(moving));
-        ASSERT_TRUE(image) << moving;
-        for (int i = 0; i < 4; ++i) {
-            const auto again = imageOf(numbered(fragment(moving), i));
-            ASSERT_TRUE(again) << moving;
-            EXPECT_TRUE(*again == *image) << moving;
-        }
+        const auto image = bitmapOf(fragment(moving));
+        for (int i = 0; i < 4; ++i)
+            EXPECT_TRUE(bitmapOf(numbered(fragment(moving), i)) == image) << moving;
     }
-    const auto focused = imageOf(fragment(high + "<input autofocus>"));
-    const auto plain = imageOf(fragment(high + "<input>"));
-    ASSERT_TRUE(focused && plain);
-    EXPECT_TRUE(*focused == *plain);
+    EXPECT_TRUE(bitmapOf(fragment(high + "<input autofocus>")) == bitmapOf(fragment(high + "<input>")));
 }
 
 TEST_F(HTMLRendererTest, aFragmentReachesNothingAndRunsNothing)
 {
-    const LocalServer server;
-    const auto& url = server.url();
+    const test::SilentServer server;
+    const std::string url = server.url() + "/";
     // Each of them shows a red box if it is what it should not be.
     for (const std::string& hostile : std::vector<std::string>{
              "<script>document.body.style.background='red'</script><img src=x onerror=\"document.body.style.background='red'\">",
@@ -353,18 +243,15 @@ TEST_F(HTMLRendererTest, aFragmentReachesNothingAndRunsNothing)
              "<iframe srcdoc='<script>top.location=1</script>'></iframe><iframe src='file:///etc/passwd'></iframe>",
              "<img src='file:///usr/share/pixmaps/debian-logo.png'><object data='file:///etc/passwd'></object>",
          }) {
-        const auto image = imageOf(fragment(hostile));
-        ASSERT_TRUE(image) << hostile;
-        EXPECT_EQ(at(*image, 1, 1), clear) << hostile;
+        EXPECT_EQ(at(bitmapOf(fragment(hostile)), 1, 1), clear) << hostile;
     }
-    EXPECT_FALSE(server.wasVisited());
+    EXPECT_FALSE(server.isAsked());
 }
 
 TEST_F(HTMLRendererTest, aHeavyFragmentIsGivenUpAndTheNextOneIsRendered)
 {
     const auto good = Overlay::make(OverlayKind::lowerThird, "Still here", 0);
-    const auto expected = imageOf(good);
-    ASSERT_TRUE(expected);
+    const auto expected = bitmapOf(good);
     std::string endless = "<svg width=9 height=9><g id=a0><rect width=9 height=9 /></g>";
     for (int i = 1; i < 9; ++i) {
         endless += "<g id=a" + std::to_string(i) + ">";
@@ -386,24 +273,9 @@ TEST_F(HTMLRendererTest, aHeavyFragmentIsGivenUpAndTheNextOneIsRendered)
         time.start();
         const auto image = imageOf(fragment(hostile));
         EXPECT_LT(time.elapsed(), 8500);
-        if (image) {
-            EXPECT_LE(image->height(), 2 * 4096);
-        }
-        const auto next = imageOf(numbered(good, ++number));
-        ASSERT_TRUE(next) << number;
-        EXPECT_TRUE(*next == *expected) << number;
+        EXPECT_TRUE(!image || image->height() <= 2 * 4096);
+        EXPECT_TRUE(bitmapOf(numbered(good, ++number)) == expected) << number;
     }
-}
-
-TEST_F(HTMLRendererTest, theLogNamesAFragmentThatIsTooLarge)
-{
-    static std::string said;
-    said.clear();
-    const auto before =
-        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& message) { said += message.toStdString(); });
-    EXPECT_FALSE(imageOf(fragment(std::string(1'500'001, 'x'))));
-    qInstallMessageHandler(before);
-    EXPECT_THAT(said, testing::HasSubstr("too large"));
 }
 
 TEST_F(HTMLRendererTest, aHelperThatFailsCostsOnePicture)

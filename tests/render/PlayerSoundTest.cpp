@@ -16,7 +16,6 @@
 #include <cmath>
 #include <filesystem>
 #include <numbers>
-#include <optional>
 #include <random>
 
 namespace vantry {
@@ -49,12 +48,6 @@ float tone(int sample)
     return 0.25f * std::sin(static_cast<float>(sample % 48000) * 2 * std::numbers::pi_v<float> * 700 / 48000);
 }
 
-SoundStream::Handlers into(Ear& ear)
-{
-    return { .onSound = [&ear](std::span<const float> samples, HostTime taken) { ear.hear(samples, taken); },
-        .onFailed = [](const AppError& error) { ADD_FAILURE() << error.what(); } };
-}
-
 class PlayerSoundTest : public EventLoopTest {
 protected:
     PlayerSoundTest() { m_content.project.layouts = { { 0, Layout::screen, Corner::bottomRight } }; }
@@ -73,7 +66,7 @@ protected:
 void watchFlashes(Player& player, std::vector<HostTime>& times)
 {
     QObject::connect(&player, &Player::pictureChanged, &player, [&] {
-        if (player.picture() && player.picture().plane(PlaneY).row(540)[960] > 130)
+        if (shade(player.picture()) > 130)
             times.push_back(HostClock::now());
     });
 }
@@ -144,28 +137,15 @@ TEST_F(PlayerSoundTest, withoutSoundTimeGoesOnAndSoundThatComesBackJoinsIn)
         middleDistance({ seen.begin() + static_cast<std::ptrdiff_t>(seenBefore) + 3, seen.end() - 1 }, speakers.clicks()), 40ms);
 }
 
-TEST_F(PlayerSoundTest, itsSoundIsHeardAtTheSpeakersAndLeftOutOfRecordings)
+TEST_F(PlayerSoundTest, itsSoundIsHeardWhereItIsWantedAndLeftOutOfRecordings)
 {
     m_content.add({ .frames = 900, .microphone = tone }, 30);
     const Speakers speakers;
     PipeWireLoop loop("test.sound");
     Ear recorded;
-    const SystemSound others(loop, into(recorded));
-    Player player;
-    player.setItem(item(), 0);
-    player.play();
-    ASSERT_TRUE(pumpUntil([&] { return speakers.latest(700) > 0.2; }));
-    const auto before = recorded.heard();
-    ASSERT_TRUE(pumpUntil([&] { return recorded.heard() > before + 300ms; }));
-    EXPECT_LT(recorded.latest(0, 700), 0.002);
-    player.pause();
-    EXPECT_TRUE(pumpUntil([&] { return speakers.latest(700) < 0.002; }));
-}
-
-TEST_F(PlayerSoundTest, anOutputThatGoesAwayDoesNotStopIt)
-{
-    m_content.add({ .frames = 900, .microphone = tone }, 30);
-    const Speakers speakers;
+    const SystemSound others(loop,
+        { .onSound = [&](std::span<const float> samples, HostTime taken) { recorded.hear(samples, taken); },
+            .onFailed = [](const AppError& error) { ADD_FAILURE() << error.what(); } });
     Player player;
     player.setItem(item(), 0);
     {
@@ -173,32 +153,34 @@ TEST_F(PlayerSoundTest, anOutputThatGoesAwayDoesNotStopIt)
         player.play();
         ASSERT_TRUE(plays(player, 0.5));
     }
-    EXPECT_TRUE(pumpUntil([&] { return speakers.latest(700) > 0.2; })) << "the sound goes on elsewhere";
-    const double time = player.time();
-    EXPECT_TRUE(plays(player, time + 0.5));
-    EXPECT_EQ(player.state(), State::Playing);
+    EXPECT_TRUE(pumpUntil([&] { return speakers.latest(700) > 0.2; })) << "an output that goes away does not stop it";
+    const auto before = recorded.heard();
+    ASSERT_TRUE(pumpUntil([&] { return recorded.heard() > before + 300ms; }));
+    EXPECT_LT(recorded.latest(0, 700), 0.002);
+    EXPECT_TRUE(plays(player, player.time() + 0.5));
+    player.pause();
+    EXPECT_TRUE(pumpUntil([&] { return speakers.latest(700) < 0.002; }));
 }
 
 TEST_F(PlayerSoundTest, playsInTimeWithoutAnOutput)
 {
     m_content.add({ .frames = 30, .microphone = tone }, 1);
-    std::optional<MediaServer> server(std::in_place); // It has no devices.
+    MediaServer server; // It has no devices.
     Player player;
     player.setItem(item(), 0);
-    const auto playAll = [&] {
+    const auto expectSecond = [&] {
         const auto start = HostClock::now();
         player.play();
         EXPECT_TRUE(pumpUntil([&] { return player.state() == State::Paused; }));
         EXPECT_EQ(player.time(), 1);
-        return HostClock::now() - start;
+        EXPECT_GE(HostClock::now() - start, 1s);
     };
-    EXPECT_GE(playAll(), 1s);
-    EXPECT_GE(playAll(), 1s);
-    player.play();
+    expectSecond();
+    player.play(); // From the beginning again.
     ASSERT_TRUE(plays(player, 0.3));
-    server->kill();
+    server.kill();
     EXPECT_TRUE(plays(player, 1));
-    EXPECT_GE(playAll(), 1s);
+    expectSecond();
 }
 
 TEST_F(PlayerSoundTest, aThousandCommandsLeaveNothingBehind)
@@ -206,16 +188,12 @@ TEST_F(PlayerSoundTest, aThousandCommandsLeaveNothingBehind)
     m_content.add({ .frames = 60, .screen = flash, .camera = flash, .microphone = tone, .system = tone }, 2);
     m_content.add({ .frames = 45, .screen = flash, .microphone = tone }, 1.2);
     TestProject other;
-    other.add({ .frames = 30, .screen = [](int frame) { return static_cast<std::uint8_t>(100 + frame); } }, 1);
-    const auto makeItems = [&] {
-        std::vector<std::shared_ptr<const PlayerItem>> items{ makePlayerItem(other.project, other.folder.path(), {}) };
-        for (const auto layout : { Layout::screen, Layout::bubble, Layout::camera }) {
-            m_content.project.layouts = { { 0, layout, Corner::bottomRight } };
-            items.push_back(item());
-        }
-        return items;
-    };
-    const auto items = makeItems();
+    other.add({ .frames = 30, .screen = count }, 1);
+    std::vector<std::shared_ptr<const PlayerItem>> items{ makePlayerItem(other.project, other.folder.path(), {}) };
+    for (const auto layout : { Layout::screen, Layout::bubble, Layout::camera }) {
+        m_content.project.layouts = { { 0, layout, Corner::bottomRight } };
+        items.push_back(item());
+    }
     QCoreApplication::processEvents(); // Which opens files of its own.
     const auto threads = entries("task");
     const auto files = entries("fd");
@@ -247,9 +225,9 @@ TEST_F(PlayerSoundTest, aThousandCommandsLeaveNothingBehind)
         player.setItem(items[0], 0.5);
         player.pause();
         ASSERT_TRUE(pumpUntil([&] { return !player.isSeeking(); }));
-        EXPECT_NEAR(player.picture().plane(PlaneY).row(540)[960], 115, 2);
+        EXPECT_NEAR(shade(player.picture()), count(15), 2);
     }
-    EXPECT_EQ(entries("task"), threads);
+    EXPECT_TRUE(pumpUntil([&] { return entries("task") == threads; })) << "a thread that has ended is listed a little longer";
     EXPECT_LE(entries("fd"), files + 4) << "the media library forgets one now and then when it is disconnected";
 }
 

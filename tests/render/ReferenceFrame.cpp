@@ -1,5 +1,7 @@
 #include "ReferenceFrame.h"
 
+#include "render/Renderer.h"
+
 #include <cmath>
 
 namespace vantry {
@@ -30,14 +32,6 @@ void over(ReferenceFrame::Colour& below, const ReferenceFrame::Colour& colour, d
 
 } // namespace
 
-ReferenceFrame::ReferenceFrame(const Project& project, const Sources& sources, double time, Size size)
-    : m_project(project)
-    , m_sources(sources)
-    , m_time(time)
-    , m_size(size)
-{
-}
-
 ReferenceFrame::Colour ReferenceFrame::at(int x, int y) const
 {
     Colour sum{};
@@ -52,40 +46,38 @@ ReferenceFrame::Colour ReferenceFrame::at(int x, int y) const
 
 ReferenceFrame::Colour ReferenceFrame::atPoint(double x, double y) const
 {
-    const double up = m_size.height - y;
+    const double up = size.height - y;
     Colour colour{ 0.06, 0.06, 0.08 };
 
-    const auto crop = m_project.screenCrop.value_or(CropRect());
-    const double cropWidth = crop.width * m_sources.screenSize.width;
-    const double cropHeight = crop.height * m_sources.screenSize.height;
-    const double fit = std::min(m_size.width / cropWidth, m_size.height / cropHeight);
-    const double u = (x - m_size.width / 2) / fit + cropWidth / 2;
-    const double v = (y - m_size.height / 2) / fit + cropHeight / 2;
+    const auto crop = project.screenCrop.value_or(CropRect());
+    const double cropWidth = crop.width * screenSize.width;
+    const double cropHeight = crop.height * screenSize.height;
+    const double fit = std::min(size.width / cropWidth, size.height / cropHeight);
+    const double u = (x - size.width / 2) / fit + cropWidth / 2;
+    const double v = (y - size.height / 2) / fit + cropHeight / 2;
     if (u >= 0 && v >= 0 && u < cropWidth && v < cropHeight)
-        colour = m_sources.screen(u + crop.x * m_sources.screenSize.width, v + crop.y * m_sources.screenSize.height);
+        colour = screen(u + crop.x * screenSize.width, v + crop.y * screenSize.height);
 
-    const auto camera = Renderer::cameraPlacement(m_time, m_project, m_size);
-    const double ring = camera.radius > 2 ? 0.005 * m_size.height : 0;
-    const auto& rect = camera.rect;
+    const auto placement = Renderer::cameraPlacement(time, project, size);
+    const double ring = placement.radius > 2 ? 0.005 * size.height : 0;
+    const auto& rect = placement.rect;
     const Rect outer{ rect.x - ring, rect.y - ring, rect.width + 2 * ring, rect.height + 2 * ring };
-    if (camera.opacity > 0.01) {
-        if (containsRounded(rect, camera.radius, x, up)) {
-            const double fill = std::max(rect.width / m_sources.cameraSize.width, rect.height / m_sources.cameraSize.height);
-            over(colour,
-                m_sources.camera((x - rect.midX()) / fill + m_sources.cameraSize.width / 2,
-                    (rect.midY() - up) / fill + m_sources.cameraSize.height / 2),
-                camera.opacity);
-        } else if (ring > 0 && containsRounded(outer, camera.radius + ring, x, up)) {
-            over(colour, { 1, 1, 1 }, camera.opacity);
+    if (placement.opacity > 0.01) {
+        if (containsRounded(rect, placement.radius, x, up)) {
+            const double fill = std::max(rect.width / cameraSize.width, rect.height / cameraSize.height);
+            over(colour, camera((x - rect.midX()) / fill + cameraSize.width / 2, (rect.midY() - up) / fill + cameraSize.height / 2),
+                placement.opacity);
+        } else if (ring > 0 && containsRounded(outer, placement.radius + ring, x, up)) {
+            over(colour, { 1, 1, 1 }, placement.opacity);
         }
     }
 
-    for (const auto& overlay : m_project.overlays) {
-        const auto placed = Renderer::overlayPlacement(m_time, overlay, m_sources.overlaySize, m_size);
+    for (const auto& shown : project.overlays) {
+        const auto placed = Renderer::overlayPlacement(time, shown, overlaySize, size);
         if (!placed || !contains(placed->rect, x, up))
             continue;
-        const double scale = placed->rect.width / m_sources.overlaySize.width;
-        const auto point = m_sources.overlay((x - placed->rect.x) / scale, (placed->rect.bottom() - up) / scale);
+        const double scale = placed->rect.width / overlaySize.width;
+        const auto point = overlay((x - placed->rect.x) / scale, (placed->rect.bottom() - up) / scale);
         for (std::size_t i = 0; i < 3; ++i)
             colour[i] = point[i] * placed->opacity + colour[i] * (1 - point[3] * placed->opacity);
     }

@@ -7,7 +7,6 @@ namespace vantry {
 namespace {
 
 constexpr Size fullHd{ 1920, 1080 };
-constexpr Size hd{ 1280, 720 };
 
 Project withLayouts(std::vector<LayoutEvent> layouts)
 {
@@ -31,47 +30,33 @@ constexpr auto bottomRight = Corner::bottomRight;
 
 TEST(CameraPlacement, restsWhereItsLayoutSays)
 {
-    const auto at = [](Layout layout, Corner corner, Size size) {
-        return Renderer::cameraPlacement(7, withLayouts({ { 0, layout, corner } }), size);
+    // From the beginning: the first event has no transition.
+    const auto at = [](Layout layout, Corner corner, Size size = fullHd) {
+        return Renderer::cameraPlacement(0.1, withLayouts({ { 0, layout, corner } }), size);
     };
-    const auto camera = at(Layout::camera, bottomRight, fullHd);
+    const auto camera = at(Layout::camera, bottomRight);
     expectRect(camera.rect, { 0, 0, 1920, 1080 });
     EXPECT_EQ(camera.radius, 0);
-
-    const auto bubble = at(Layout::bubble, bottomRight, fullHd);
+    const auto bubble = at(Layout::bubble, bottomRight);
     expectRect(bubble.rect, { 1596.0, 43.2, 280.8, 280.8 });
     EXPECT_NEAR(bubble.radius, 140.4, 0.01);
-    expectRect(at(Layout::bubble, Corner::topLeft, fullHd).rect, { 43.2, 756.0, 280.8, 280.8 });
-
-    const auto small = at(Layout::bubble, bottomRight, hd).rect;
-    EXPECT_NEAR(small.midX(), 1157.6, 0.01);
-    EXPECT_NEAR(720 - small.midY(), 597.6, 0.01);
-
-    EXPECT_EQ(at(Layout::screen, bottomRight, fullHd).opacity, 0);
+    expectRect(at(Layout::bubble, Corner::topLeft).rect, { 43.2, 756.0, 280.8, 280.8 });
+    expectRect(at(Layout::bubble, bottomRight, { 1280, 720 }).rect, { 1064, 28.8, 187.2, 187.2 });
+    EXPECT_EQ(at(Layout::screen, bottomRight).opacity, 0);
 }
 
 TEST(CameraPlacement, changesAlongASmoothCurve)
 {
     const auto project =
         withLayouts({ { 0, Layout::camera, bottomRight }, { 5, Layout::bubble, bottomRight }, { 8, Layout::screen, bottomRight } });
-    const auto middle = Renderer::cameraPlacement(5.2, project, fullHd);
-    expectRect(middle.rect, { 798.0, 21.6, 1100.4, 680.4 });
-    EXPECT_NEAR(middle.radius, 70.2, 0.01);
-    expectRect(Renderer::cameraPlacement(5.4, project, fullHd).rect, { 1596.0, 43.2, 280.8, 280.8 });
-
-    // In force a hair early, but then at its very start.
-    expectRect(Renderer::cameraPlacement(4.99995, project, fullHd).rect, { 0, 0, 1920, 1080 });
-
-    const auto fading = Renderer::cameraPlacement(8.1, project, fullHd);
-    expectRect(fading.rect, { 1596.0, 43.2, 280.8, 280.8 });
-    EXPECT_NEAR(fading.opacity, 1 - 0.25 * 0.25 * 2.5, 1e-9);
-    EXPECT_EQ(Renderer::cameraPlacement(8.4, project, fullHd).opacity, 0);
-}
-
-TEST(CameraPlacement, theFirstEventHasNoTransition)
-{
-    const auto project = withLayouts({ { 0, Layout::bubble, bottomRight } });
-    expectRect(Renderer::cameraPlacement(0.1, project, fullHd).rect, { 1596.0, 43.2, 280.8, 280.8 });
+    const auto at = [&](double time) { return Renderer::cameraPlacement(time, project, fullHd); };
+    expectRect(at(4.99995).rect, { 0, 0, 1920, 1080 }); // In force a hair early, but then at its very start.
+    expectRect(at(5.2).rect, { 798.0, 21.6, 1100.4, 680.4 });
+    EXPECT_NEAR(at(5.2).radius, 70.2, 0.01);
+    expectRect(at(5.4).rect, { 1596.0, 43.2, 280.8, 280.8 });
+    expectRect(at(8.1).rect, { 1596.0, 43.2, 280.8, 280.8 });
+    EXPECT_NEAR(at(8.1).opacity, 1 - 0.25 * 0.25 * 2.5, 1e-9);
+    EXPECT_EQ(at(8.4).opacity, 0);
 }
 
 TEST(OverlayPlacement, popsSlidesAndFadesByItsKind)
@@ -92,15 +77,6 @@ TEST(OverlayPlacement, popsSlidesAndFadesByItsKind)
     overlay.kind = OverlayKind::lowerThird;
     EXPECT_NEAR(at(12)->rect.midY() - at(10)->rect.midY(), 32.4, 0.01);
     EXPECT_NEAR(at(10)->rect.width, 0.42 * 1920, 0.01);
-}
-
-TEST(ScreenGeometry, cropsFromTheTopAndFitsWhole)
-{
-    const auto shown = Renderer::cropped({ 3024, 1964 }, CropRect{ 0, 0.05, 1, 0.95 });
-    expectRect(shown, { 0, 98.2, 3024, 1865.8 });
-    const double scale = std::min(1920 / 3024.0, 1080 / 1865.8);
-    expectRect(Renderer::fitted({ shown.width, shown.height }, fullHd), { (1920 - scale * 3024) / 2, 0, scale * 3024, 1080 });
-    expectRect(Renderer::filling({ 1280, 720 }, { 280.8, 280.8 }), { 280, 0, 720, 720 });
 }
 
 } // namespace vantry

@@ -15,24 +15,29 @@ constexpr int width = 320;
 constexpr int height = 180;
 constexpr int samplesPerFrame = sampleRate / framesPerSecond;
 
-class ClipFile {
-public:
-    explicit ClipFile(const std::filesystem::path& file)
-        : m_muxer(file, MovieFormat::Clip)
-    {
-    }
+} // namespace
 
-    void addPictures(VideoCodec codec, const std::function<std::uint8_t(int)>& grey, int begin, int end)
-    {
-        auto& encoder = m_videos.emplace_back(VideoEncoderSettings{ .codec = codec,
+void writeClip(const std::filesystem::path& file, const TestClip& clip)
+{
+    Muxer muxer(file, MovieFormat::Clip);
+    std::list<VideoEncoder> videos;
+    std::list<AudioEncoder> sounds;
+    std::vector<std::function<void()>> writers; // Of each track, once the movie has all of them.
+    const auto addTrack = [&](const auto& encoder) -> PacketSink {
+        return [&muxer, track = muxer.addTrack(encoder)](Packet packet) { muxer.write(track, std::move(packet)); };
+    };
+
+    const auto addPictures = [&](VideoCodec codec, const auto& grey, int begin, int end) {
+        if (!grey)
+            return;
+        auto& encoder = videos.emplace_back(VideoEncoderSettings{ .codec = codec,
             .width = width,
             .height = height,
             .timescale = 90000,
             .bitRate = 4'000'000,
             .gop = 10,
             .preset = "ultrafast" });
-        const auto sink = track(m_muxer.addTrack(encoder));
-        m_writers.emplace_back([=, &encoder] {
+        writers.emplace_back([=, &encoder, sink = addTrack(encoder)] {
             for (int frame = begin; frame < end; ++frame) {
                 PictureBuffer buffer(width, height);
                 buffer.fill(grey(frame), 128, 128);
@@ -40,55 +45,29 @@ public:
             }
             encoder.finish(sink);
         });
-    }
+    };
+    addPictures(VideoCodec::Hevc, clip.screen, 0, clip.frames);
+    addPictures(VideoCodec::H264, clip.camera, clip.cameraStart, std::min(clip.cameraEnd, clip.frames));
 
-    void addSound(int channels, const std::function<float(int)>& level, int frames)
-    {
-        auto& encoder = m_sounds.emplace_back(AudioEncoderSettings{ .channels = channels, .bitRate = 96'000 * channels });
-        const auto sink = track(m_muxer.addTrack(encoder));
-        m_writers.emplace_back([=, &encoder] {
+    const auto addSound = [&](int channels, const auto& level) {
+        if (!level)
+            return;
+        auto& encoder = sounds.emplace_back(AudioEncoderSettings{ .channels = channels, .bitRate = 96'000 * channels });
+        writers.emplace_back([=, &encoder, sink = addTrack(encoder), length = clip.frames * samplesPerFrame] {
             Sound sound{ .channels = channels, .samples = {} };
-            for (int sample = 0; sample < frames * samplesPerFrame; ++sample)
+            for (int sample = 0; sample < length; ++sample)
                 sound.samples.insert(sound.samples.end(), static_cast<std::size_t>(channels), level(sample));
             encoder.encode(sound, sink);
             encoder.finish(sink);
         });
-    }
+    };
+    addSound(1, clip.microphone);
+    addSound(2, clip.system);
 
-    void write(MediaTime end)
-    {
-        m_muxer.start();
-        for (const auto& writer : m_writers)
-            writer();
-        m_muxer.finish(end);
-    }
-
-private:
-    PacketSink track(int index)
-    {
-        return [this, index](Packet packet) { m_muxer.write(index, std::move(packet)); };
-    }
-
-    Muxer m_muxer;
-    std::list<VideoEncoder> m_videos;
-    std::list<AudioEncoder> m_sounds;
-    std::list<std::function<void()>> m_writers;
-};
-
-} // namespace
-
-void writeClip(const std::filesystem::path& file, const TestClip& clip)
-{
-    ClipFile movie(file);
-    if (clip.screen)
-        movie.addPictures(VideoCodec::Hevc, clip.screen, 0, clip.frames);
-    if (clip.camera)
-        movie.addPictures(VideoCodec::H264, clip.camera, clip.cameraStart, std::min(clip.cameraEnd, clip.frames));
-    if (clip.microphone)
-        movie.addSound(1, clip.microphone, clip.frames);
-    if (clip.system)
-        movie.addSound(2, clip.system, clip.frames);
-    movie.write(clip.frames * frameDuration);
+    muxer.start();
+    for (const auto& write : writers)
+        write();
+    muxer.finish(clip.frames * frameDuration);
 }
 
 } // namespace vantry::test
