@@ -25,24 +25,18 @@ bool sleeps(pid_t thread)
 
 } // namespace
 
-TEST(Worker, runsJobsInOrderAndFinishesThemBeforeItGoes)
+TEST(Worker, runsJobsInOrderHandsResultsAndErrorsBackAndFinishesBeforeItGoes)
 {
     std::vector<int> seen;
     {
         Worker worker("order");
+        EXPECT_THROW(worker.sync([]() -> int { throw AppError("no"); }), AppError);
+        EXPECT_EQ(worker.sync([] { return 42; }), 42);
         for (int i = 0; i < 1000; ++i)
             worker.post([&seen, i] { seen.push_back(i); });
     }
     ASSERT_EQ(seen.size(), 1000u);
     EXPECT_TRUE(std::is_sorted(seen.begin(), seen.end()));
-}
-
-TEST(Worker, syncHandsResultsAndErrorsBack)
-{
-    Worker worker("sync");
-    EXPECT_EQ(worker.sync([] { return 42; }), 42);
-    EXPECT_THROW(worker.sync([]() -> int { throw AppError("no"); }), AppError);
-    EXPECT_EQ(worker.sync([] { return 1; }), 1);
 }
 
 TEST(Worker, aFullDroppingWorkerRefusesAndGoesOnLater)
