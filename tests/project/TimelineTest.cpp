@@ -18,9 +18,7 @@ TEST(Timeline, clipsLieEndToEndUpToWhatIsKept)
     const auto project = projectOfKeeps({ 10, 5, 7 });
     EXPECT_EQ(totalLength(project), 22);
     EXPECT_THAT(clipJoins(project), ElementsAre(10, 15));
-    EXPECT_THAT(clipJoins(projectOfKeeps({ 10 })), IsEmpty());
     EXPECT_THAT(clipJoins(projectOfKeeps({})), IsEmpty());
-    EXPECT_EQ(totalLength(projectOfKeeps({})), 0);
 }
 
 TEST(Timeline, aLayoutIsInForceFromJustBeforeItsTime)
@@ -30,13 +28,8 @@ TEST(Timeline, aLayoutIsInForceFromJustBeforeItsTime)
     const Project project{ .layouts = { first, second } };
     EXPECT_EQ(layoutInForce(project, 9.99995), second);
     EXPECT_EQ(layoutInForce(project, 9.9998), first);
-    EXPECT_EQ(layoutInForce(project, 1e9), second);
     EXPECT_EQ(layoutInForce(project, 0), first);
-}
-
-TEST(Timeline, withoutLayoutsEverythingRecordedIsShown)
-{
-    EXPECT_EQ(layoutInForce(Project(), 3).layout, Layout::bubble);
+    EXPECT_EQ(layoutInForce(Project(), 3).layout, Layout::bubble) << "everything recorded is shown";
 }
 
 TEST(Transcript, isInProjectTimeAndEndsWithWhatIsKept)
@@ -47,24 +40,16 @@ TEST(Transcript, isInProjectTimeAndEndsWithWhatIsKept)
     project.clips[3].transcript = { { 0, 1, "d" } };
     EXPECT_THAT(transcript(project), ElementsAre(Line{ 11, 13, "a" }, Line{ 13.5, 14, "b" }, Line{ 15, 16, "d" }));
     EXPECT_EQ(transcriptText(project), "[0:11] a\n[0:13] b\n[0:15] d");
-    EXPECT_EQ(transcriptText(projectOfKeeps({ 10 })), "");
 }
 
-TEST(Timecode, cutsToWholeSeconds)
+TEST(Timecode, cutsToWholeSecondsAndIsZeroForTimesWithoutMeaning)
 {
-    EXPECT_EQ(timecode(0), "0:00");
     EXPECT_EQ(timecode(59.99), "0:59");
-    EXPECT_EQ(timecode(754.9), "12:34");
     EXPECT_EQ(timecode(3599.5), "59:59");
-    EXPECT_EQ(timecode(3600), "1:00:00");
     EXPECT_EQ(timecode(3725), "1:02:05");
     EXPECT_EQ(timecode(1e9), "277777:46:40");
-}
-
-TEST(Timecode, isZeroForTimesWithoutMeaning)
-{
     constexpr auto infinity = std::numeric_limits<double>::infinity();
-    for (const auto time : { -3.0, -0.5, std::numeric_limits<double>::quiet_NaN(), infinity, -infinity, 0x1p63, 1e300 })
+    for (const auto time : { -0.5, std::numeric_limits<double>::quiet_NaN(), infinity, 0x1p63 })
         EXPECT_EQ(timecode(time), "0:00") << time;
 }
 
