@@ -26,11 +26,10 @@ protected:
 
 } // namespace
 
-TEST_F(OverlayPicturesTest, everyOverlayOfTheOpenProjectHasItsBitmap)
+TEST_F(OverlayPicturesTest, everyOverlayHasItsBitmapAndWhoeverCancelsDoesNotWaitForAHelperThatHangs)
 {
     EXPECT_THAT(images(), IsEmpty());
     m_model.open(writeProject("one"));
-    EXPECT_THAT(images(), IsEmpty());
     const auto good = Overlay::make(OverlayKind::text, "a", 1);
     const auto tooLarge = covering(0, 1, std::string(2'000'000, 'a'));
     m_model.edit(Rebuild::Yes, [&](Project& project) { project.overlays = { tooLarge, good }; });
@@ -38,16 +37,6 @@ TEST_F(OverlayPicturesTest, everyOverlayOfTheOpenProjectHasItsBitmap)
     EXPECT_EQ(found.size(), 1);
     EXPECT_EQ(found.at(good.id).width(), 2688);
 
-    std::stop_source cancel;
-    cancel.request_stop();
-    EXPECT_THAT(QCoro::waitFor(m_model.overlayImages(cancel.get_token())), IsEmpty());
-}
-
-TEST_F(OverlayPicturesTest, whoeverCancelsDoesNotWaitForAHelperThatHangs)
-{
-    m_model.open(writeProject("one"));
-    m_model.edit(Rebuild::Yes, [&](Project& project) { project.overlays = { Overlay::make(OverlayKind::text, "a", 1) }; });
-    EXPECT_EQ(images().size(), 1);
     m_model.edit(Rebuild::Yes, [&](Project& project) { project.overlays = { Overlay::make(OverlayKind::text, "b", 1) }; });
     const auto helper = test::overlayHelperProcess();
     kill(helper, SIGSTOP);

@@ -122,27 +122,25 @@ TEST_F(PreviewTest, leavesOutWhatIsOvertaken)
 
 TEST_F(PreviewTest, isEmptyWithoutClips)
 {
-    open(writeMovie("one"));
-    ASSERT_TRUE(showsSoon(0));
-    m_model.edit(Rebuild::Yes, [](Project& project) { project.clips.clear(); });
-    m_model.refreshPlayer();
-    EXPECT_TRUE(m_preview.isEmpty());
-    EXPECT_EQ(frameOfBar(m_preview.picture()), -1);
-    EXPECT_THAT(alert(), IsEmpty());
-
-    open(*m_model.folder());
-    m_preview.toggle();
-    m_preview.step(1);
-    EXPECT_TRUE(m_preview.isEmpty());
-
-    open(writeMovie("two"));
+    const fs::path folder = writeMovie("one");
+    open(folder);
     ASSERT_TRUE(showsSoon(0));
     m_model.newRecording();
     EXPECT_TRUE(m_preview.isEmpty());
     EXPECT_EQ(m_model.playhead(), 0);
+
+    open(folder);
+    ASSERT_TRUE(showsSoon(0));
+    m_model.edit(Rebuild::Yes, [](Project& project) { project.clips.clear(); });
+    m_model.refreshPlayer();
+    EXPECT_EQ(frameOfBar(m_preview.picture()), -1);
+    m_preview.toggle();
+    m_preview.step(1);
+    EXPECT_TRUE(m_preview.isEmpty());
+    EXPECT_THAT(alert(), IsEmpty());
 }
 
-TEST_F(PreviewTest, seeksToEveryTime)
+TEST_F(PreviewTest, seeksToEveryTimeAndStepsFromFrameToFrame)
 {
     m_model.seek(3);
     EXPECT_EQ(m_model.playhead(), 3) << "without a project as well";
@@ -151,27 +149,18 @@ TEST_F(PreviewTest, seeksToEveryTime)
     m_model.seek(12.3);
     EXPECT_EQ(m_model.playhead(), 12.3);
     EXPECT_TRUE(showsSoon(59)) << "the last one";
-    for (const double time : { -3.0, std::nan(""), -HUGE_VAL }) {
-        m_model.seek(1.1);
-        ASSERT_TRUE(showsSoon(33));
+    for (const double time : { -3.0, std::nan("") }) {
         m_model.seek(time);
         EXPECT_EQ(m_model.playhead(), 0);
         EXPECT_TRUE(showsSoon(0));
+        m_model.seek(1.1);
+        ASSERT_TRUE(showsSoon(33));
     }
-}
 
-TEST_F(PreviewTest, stepsFromFrameToFrame)
-{
-    open(writeMovie("one"));
-    ASSERT_TRUE(showsSoon(0));
-    m_preview.step(-1);
-    EXPECT_EQ(m_model.playhead(), 0);
     m_model.seek(0.99); // In the middle of frame 29.
     m_preview.step(1);
     EXPECT_TRUE(showsSoon(30));
-    m_preview.step(-1);
-    EXPECT_TRUE(showsSoon(29));
-    for (int frame = 28; frame >= 20; --frame)
+    for (int frame = 29; frame >= 20; --frame)
         m_preview.step(-1);
     EXPECT_TRUE(showsSoon(20));
     m_model.seek(2);
@@ -181,7 +170,7 @@ TEST_F(PreviewTest, stepsFromFrameToFrame)
     EXPECT_TRUE(showsSoon(58));
 }
 
-TEST_F(PreviewTest, thePlayheadFollowsPlayback)
+TEST_F(PreviewTest, thePlayheadFollowsPlaybackUntilARecordingBegins)
 {
     open(writeMovie("one"));
     ASSERT_TRUE(showsSoon(0));
@@ -193,6 +182,11 @@ TEST_F(PreviewTest, thePlayheadFollowsPlayback)
     EXPECT_EQ(m_model.playhead(), 2);
     EXPECT_GE(times.size(), 3) << "ten a second where the machine keeps up";
     EXPECT_TRUE(std::ranges::is_sorted(times));
+
+    m_preview.toggle();
+    EXPECT_TRUE(m_preview.isPlaying());
+    m_model.setPhase(Phase::countdown(3));
+    EXPECT_FALSE(m_preview.isPlaying());
 }
 
 TEST_F(PreviewTest, playsOnOverARebuildAndAfterItWasHeld)
@@ -214,26 +208,13 @@ TEST_F(PreviewTest, playsOnOverARebuildAndAfterItWasHeld)
     EXPECT_FALSE(wentBack);
 
     m_preview.hold();
-    m_model.seek(1);
     EXPECT_FALSE(m_preview.isPlaying());
-    ASSERT_TRUE(showsSoon(30));
-    EXPECT_EQ(m_model.playhead(), 1);
     m_preview.release();
     EXPECT_TRUE(m_preview.isPlaying());
     m_preview.toggle();
     m_preview.hold();
     m_preview.release();
     EXPECT_FALSE(m_preview.isPlaying()) << "it did not play when it was held";
-}
-
-TEST_F(PreviewTest, pausesForARecording)
-{
-    open(writeMovie("one"));
-    ASSERT_TRUE(showsSoon(0));
-    m_preview.toggle();
-    m_model.setPhase(Phase::countdown(3));
-    EXPECT_FALSE(m_preview.isPlaying());
-    EXPECT_FALSE(m_preview.isEmpty());
 }
 
 } // namespace vantry

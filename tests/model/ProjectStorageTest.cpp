@@ -35,14 +35,7 @@ TEST_F(ProjectStorageTest, aNewFolderIsNamedAfterItsSecondAndNeverShared)
 {
     EXPECT_EQ(m_storage.createFolder(evening), m_root / "2026-11-16T202503");
     EXPECT_EQ(m_storage.createFolder(evening), m_root / "2026-11-16T202503-2");
-    EXPECT_EQ(m_storage.createFolder(evening), m_root / "2026-11-16T202503-3");
-    EXPECT_TRUE(fs::is_directory(m_root / "2026-11-16T202503-3"));
-}
-
-TEST_F(ProjectStorageTest, aRootThatCannotBeMadeIsNoErrorYet)
-{
-    put(m_folder / "Videos");
-    EXPECT_EQ(m_storage.createFolder(evening), m_root / "2026-11-16T202503");
+    EXPECT_TRUE(fs::is_directory(m_root / "2026-11-16T202503-2"));
 }
 
 TEST_F(ProjectStorageTest, recentListsFoldersWithAProjectNewestFirst)
@@ -61,10 +54,8 @@ TEST_F(ProjectStorageTest, onlyAnEmptyFolderIsRemoved)
     fs::create_directories(m_root / "empty");
     put(m_root / "full/clip-1.mov");
     put(m_root / "file");
-    ProjectStorage::removeIfEmpty(m_root / "empty");
-    ProjectStorage::removeIfEmpty(m_root / "full");
-    ProjectStorage::removeIfEmpty(m_root / "file");
-    ProjectStorage::removeIfEmpty(m_root / "never there");
+    for (const char* name : { "empty", "full", "file", "never there" })
+        ProjectStorage::removeIfEmpty(m_root / name);
     EXPECT_FALSE(fs::exists(m_root / "empty"));
     EXPECT_TRUE(fs::exists(m_root / "full/clip-1.mov"));
     EXPECT_TRUE(fs::exists(m_root / "file"));
@@ -75,7 +66,6 @@ TEST(NewProjectName, isWrittenAsTheLocaleWritesDates)
     const auto name = [](QLocale::Language language, QLocale::Territory territory) {
         return newProjectName(evening, QLocale(language, territory)).toStdString();
     };
-    EXPECT_EQ(name(QLocale::English, QLocale::UnitedStates), "Recording Nov 16, 2026 at 8:25 PM");
     EXPECT_EQ(newProjectName(evening, QLocale::c()).toStdString(), "Recording Nov 16, 2026 at 8:25 PM");
     EXPECT_EQ(name(QLocale::German, QLocale::Germany), "Recording 16. Nov. 2026, 20:25");
     EXPECT_EQ(name(QLocale::Spanish, QLocale::Spain), "Recording 16 de nov de 2026, 20:25");
