@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <mutex>
+#include <utility>
 
 namespace vantry {
 
@@ -29,6 +30,10 @@ constexpr auto awaitedSound = std::chrono::seconds(1);
 
 /// A screen that has not changed for so long is written out, for the case that the program dies before it changes again.
 constexpr auto longestUnwritten = std::chrono::seconds(2);
+constexpr auto longestOnItsWay = std::chrono::seconds(1);
+
+/// A power cut loses no more than this, and what is written within it.
+constexpr auto durableInterval = std::chrono::seconds(2);
 
 int waitingPictures(PictureSize size)
 {
@@ -84,6 +89,7 @@ struct ClipWriter::State {
     void offer(TrackKind kind, std::function<void(ClipTrack&, const PacketSink&)> write);
     void keepUp(HostTime now);
     void writeOutStillScreen(HostTime now);
+    void keepDurable();
     void watchRoom();
     void tell(const std::string& text) const;
     void attempt(const std::function<void()>& work);
@@ -111,6 +117,8 @@ struct ClipWriter::State {
     std::array<int, trackKindCount> muxerTracks{};
     DiskRoom room;
     bool hasRoom = true;
+    HostTime lastDurable = HostClock::now();
+    Worker durability{ "clip durability", { .capacity = 1, .whenFull = WhenFull::Drop } };
 
     std::optional<Worker> writing;
     std::array<std::unique_ptr<ClipTrack>, trackKindCount> tracks;
@@ -177,6 +185,7 @@ PacketSink ClipWriter::State::sinkOf(TrackKind kind)
         writing->post([this, index, shared = std::make_shared<Packet>(std::move(packet))] {
             attempt([&] { muxer->write(index, std::move(*shared)); });
             watchRoom();
+            keepDurable();
         });
     };
 }
@@ -187,6 +196,22 @@ void ClipWriter::State::watchRoom()
         return;
     hasRoom = false;
     tell(DiskRoom::runsOut);
+}
+
+/// On a thread of its own, for disks take their time. One at a time.
+void ClipWriter::State::keepDurable()
+{
+    const HostTime now = HostClock::now();
+    if (now - lastDurable < durableInterval)
+        return;
+    lastDurable = now;
+    static_cast<void>(durability.tryPost([file = file] {
+        try {
+            makeClipDurable(file);
+        } catch (const std::exception& error) {
+            qCWarning(logCapture, "%s", error.what()); // Writing goes on, and tells when that fails.
+        }
+    }));
 }
 
 void ClipWriter::State::tell(const std::string& text) const
@@ -229,10 +254,10 @@ void ClipWriter::State::writeOutStillScreen(HostTime now)
     ClipTrack& screen = *track(TrackKind::screen);
     if (!unwrittenScreen || now - *unwrittenScreen < longestUnwritten || !screen.queue.hasRoom())
         return;
-    unwrittenScreen.reset();
-    screen.queue.post([this, &screen, sink = sinkOf(TrackKind::screen), time = mediaTime(now - awaitedSound - start)] {
-        attempt([&] { screen.pictures->writeOut(time, sink); });
-    });
+    // As late as whatever is still on its way from the screen.
+    const MediaTime time = mediaTime(*std::exchange(unwrittenScreen, std::nullopt) + longestOnItsWay - start);
+    screen.queue.post(
+        [this, &screen, sink = sinkOf(TrackKind::screen), time] { attempt([&] { screen.pictures->writeOut(time, sink); }); });
 }
 
 /// Does nothing after a failure; a failure of its own is the clip's.
@@ -276,6 +301,7 @@ void ClipWriter::State::complete(HostDuration length, const WhenDone& whenDone)
 {
     attempt([&] { muxer->finish(mediaTime(length)); });
     muxer.reset();
+    durability.finish();
     ClipOutcome outcome;
     for (std::size_t i = 0; i < tracks.size(); ++i)
         if (tracks[i])
@@ -318,7 +344,7 @@ void ClipWriter::append(const PictureSample& sample, TrackKind kind)
         });
     // A camera's stamps are its own.
     if (kind != TrackKind::screen)
-        return;
+        return m_state->writeOutStillScreen(sample.time);
     m_state->unwrittenScreen = sample.time;
     m_state->keepUp(sample.time);
 }

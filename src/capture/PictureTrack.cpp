@@ -7,7 +7,7 @@ namespace {
 constexpr MediaTime keyframeDistance = std::chrono::seconds(1);
 
 /// It works on a few at the same time.
-constexpr int heldByEncoder = 6;
+constexpr int heldByEncoder = 8;
 
 } // namespace
 

@@ -36,8 +36,7 @@ public:
     };
 
     /// Begins it when the movie's header is written, and keeps others off it for as long as this lives. `timeBases` are the
-    /// encoders', for each stream. A journal that cannot be written is given up: the movie needs none unless something else
-    /// happens.
+    /// encoders', for each stream. What cannot be written ends it: the movie needs none unless something else happens.
     MovieJournal(const std::filesystem::path& movie, const AVFormatContext& output, const std::vector<AVRational>& timeBases);
 
     void add(const AVPacket& packet, std::int64_t end);
@@ -49,13 +48,14 @@ public:
 
     static void remove(const std::filesystem::path& movie);
 
-    /// What a journal holds, as far as it was written; empty when that cannot be understood.
+    /// What a journal holds, as far as it was written. Throws AppError when that cannot be understood.
     static Contents read(const std::filesystem::path& journal);
 
 private:
     void write(const void* bytes, std::size_t size);
 
-    Descriptor m_file;
+    const Descriptor m_file; ///< Open for as long as this lives, and so is the lock.
+    bool m_isWhole = true; ///< So far.
 };
 
 } // namespace vantry

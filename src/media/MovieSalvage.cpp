@@ -26,10 +26,26 @@ namespace {
 using Contents = MovieJournal::Contents;
 using Entry = MovieJournal::Entry;
 
+[[noreturn]] void fail(const std::string& what, int error)
+{
+    throw AppError(what + ": " + std::generic_category().message(error));
+}
+
+/// Empty when there is no such file, or when it is something else: nobody waits for a pipe, or writes where a link leads.
+Descriptor openFile(const fs::path& path, int flags)
+{
+    Descriptor file(open(path.c_str(), flags | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    struct stat status { };
+    if (file && (fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)))
+        file.close();
+    return file;
+}
+
 /// A movie's file in which the packets are there already, and what is written around them is not.
 class AroundPackets {
 public:
-    AroundPackets(const fs::path& movie, std::int64_t end);
+    /// The packets end there, and what follows is cut off.
+    AroundPackets(Descriptor movie, std::int64_t end, const std::string& what);
 
     AVIOContext* context() { return m_context.get(); }
 
@@ -49,20 +65,20 @@ private:
     static std::int64_t seek(void* self, std::int64_t offset, int from);
     bool writeAt(std::int64_t position, const std::uint8_t* bytes, std::int64_t size) const;
 
-    Descriptor m_file;
+    const Descriptor m_file;
     std::int64_t m_begin = 0;
     const std::int64_t m_end;
     std::int64_t m_position = 0;
     std::unique_ptr<AVIOContext, ContextDeleter> m_context;
 };
 
-AroundPackets::AroundPackets(const fs::path& movie, std::int64_t end)
-    : m_file(open(movie.c_str(), O_WRONLY | O_CLOEXEC))
+AroundPackets::AroundPackets(Descriptor movie, std::int64_t end, const std::string& what)
+    : m_file(std::move(movie))
     , m_begin(end)
     , m_end(end)
 {
-    if (!m_file || ftruncate(m_file.number(), end) != 0)
-        throw AppError("Could not write " + movie.filename().string() + ": " + std::generic_category().message(errno));
+    if (ftruncate(m_file.number(), end) != 0)
+        fail(what, errno);
     constexpr int bufferSize = 1 << 16;
     auto* buffer = static_cast<std::uint8_t*>(av_malloc(bufferSize));
     if (buffer)
@@ -122,33 +138,72 @@ std::int64_t smallestSize(const AVCodecParameters& parameters)
     return isVideo(parameters) ? startOfUnit.size() + 1 : 1;
 }
 
-/// The packets that reached the disk.
-std::vector<Entry> entriesUntil(std::int64_t end, const Contents& contents)
+/// What a file holds where something was to be written when the power went.
+bool isNothing(const Entry& entry)
+{
+    return entry.end == 0 && entry.flags == 0 && entry.duration == 0;
+}
+
+/// Whether it is a packet as encoders make them. A journal may have been damaged, and the library trusts its caller.
+bool isSensible(const Entry& entry, std::int64_t before, const Contents& contents)
+{
+    constexpr std::int64_t largest = 64 << 20;
+    constexpr std::int64_t longest = 1LL << 50;
+    constexpr int known = AV_PKT_FLAG_KEY | AV_PKT_FLAG_DISPOSABLE;
+    if (entry.track < 0 || static_cast<std::size_t>(entry.track) >= contents.tracks.size() || (entry.flags & ~known) != 0)
+        return false;
+    const auto size = entry.end - before;
+    const auto isTime = [](std::int64_t time) { return time > -longest && time < longest; };
+    return entry.end > 0 && size >= smallestSize(*contents.tracks[static_cast<std::size_t>(entry.track)].parameters)
+        && size <= largest && isTime(entry.pts) && isTime(entry.dts) && isTime(entry.duration) && entry.duration >= 0;
+}
+
+/// The packets within the first `end` bytes of the movie. Throws AppError when the journal is damaged: what followed would be lost.
+std::vector<Entry> entriesUntil(std::int64_t end, const Contents& contents, const std::string& what)
 {
     std::vector<Entry> entries;
     std::int64_t before = 0;
-    for (const Entry& entry : contents.entries) {
-        const auto size = entry.end - std::exchange(before, entry.end);
-        const bool hasTrack = entry.track >= 0 && static_cast<std::size_t>(entry.track) < contents.tracks.size();
-        if (!hasTrack || size < smallestSize(*contents.tracks[static_cast<std::size_t>(entry.track)].parameters) || entry.end > end)
+    for (auto entry = contents.entries.begin(); entry != contents.entries.end() && entry->end <= end; ++entry) {
+        if (isNothing(*entry) && std::all_of(entry, contents.entries.end(), isNothing))
             break;
-        entries.push_back(entry);
+        if (!isSensible(*entry, before, contents))
+            throw AppError(what + ": its journal is damaged");
+        entries.push_back(*entry);
+        before = entry->end;
     }
     return entries;
+}
+
+bool endsInZeros(const Descriptor& movie, std::int64_t end)
+{
+    std::array<std::uint8_t, 16> bytes{};
+    const auto size = std::min<std::int64_t>(end, bytes.size());
+    const auto count = pread(movie.number(), bytes.data(), static_cast<std::size_t>(size), end - size);
+    return count < size || std::ranges::all_of(bytes, [](std::uint8_t byte) { return byte == 0; });
+}
+
+/// A power cut may leave a file longer than what was written of it. No encoder ends a packet like that.
+void dropUnwritten(std::vector<Entry>& entries, const Descriptor& movie)
+{
+    constexpr std::int64_t longestUnwritten = 64 << 20; ///< So much of it waits in memory at most.
+    const auto isUnwritten = [&](const Entry& entry) {
+        return entry.end > entries.back().end - longestUnwritten && endsInZeros(movie, entry.end);
+    };
+    entries.erase(std::ranges::find_if(entries, isUnwritten), entries.end());
 }
 
 /// Writes the movie once more, around the packets that are in its file.
 class Completion {
 public:
-    Completion(const fs::path& movie, const Contents& contents, std::vector<Entry> entries);
+    Completion(Descriptor movie, const Contents& contents, std::vector<Entry> entries, std::string what);
 
-    /// Its length in seconds; nothing when the packets turn out not to lie as the journal says.
-    std::optional<double> run();
+    /// Its length in seconds. Throws AppError, also when the packets turn out not to lie as the journal says.
+    double run();
 
 private:
     double endOf(const Entry& entry) const;
     double letPicturesLast();
-    bool passOver(const Entry& entry);
+    void passOver(const Entry& entry);
 
     const std::string m_what;
     std::vector<Entry> m_entries;
@@ -158,10 +213,10 @@ private:
     std::vector<std::uint8_t> m_bytes;
 };
 
-Completion::Completion(const fs::path& movie, const Contents& contents, std::vector<Entry> entries)
-    : m_what("Could not complete " + movie.filename().string())
+Completion::Completion(Descriptor movie, const Contents& contents, std::vector<Entry> entries, std::string what)
+    : m_what(std::move(what))
     , m_entries(std::move(entries))
-    , m_file(movie, m_entries.back().end)
+    , m_file(std::move(movie), m_entries.back().end, m_what)
     , m_output(libav::makeOutput(MovieFormat::Clip, {}, m_what))
     , m_bytes(startOfUnit.begin(), startOfUnit.end())
 {
@@ -174,12 +229,11 @@ Completion::Completion(const fs::path& movie, const Contents& contents, std::vec
     m_file.packetsBeginAt(avio_tell(m_output->pb));
 }
 
-std::optional<double> Completion::run()
+double Completion::run()
 {
     const double length = letPicturesLast();
     for (const Entry& entry : m_entries)
-        if (!passOver(entry))
-            return std::nullopt;
+        passOver(entry);
     libav::check(av_write_trailer(m_output.get()), m_what);
     avio_flush(m_output->pb);
     libav::check(m_output->pb->error, m_what);
@@ -209,10 +263,10 @@ double Completion::letPicturesLast()
     return length;
 }
 
-/// False when it does not end where it should.
-bool Completion::passOver(const Entry& entry)
+void Completion::passOver(const Entry& entry)
 {
-    const auto size = static_cast<std::size_t>(entry.end - avio_tell(m_output->pb));
+    const auto begin = avio_tell(m_output->pb);
+    const auto size = static_cast<std::size_t>(std::max<std::int64_t>(entry.end - begin, 1));
     if (m_bytes.size() < size)
         m_bytes.resize(size, anything);
     m_packet->data = m_bytes.data();
@@ -223,13 +277,14 @@ bool Completion::passOver(const Entry& entry)
     m_packet->dts = entry.dts;
     m_packet->duration = entry.duration;
     libav::check(av_write_frame(m_output.get(), m_packet.get()), m_what);
-    return avio_tell(m_output->pb) == entry.end;
+    if (avio_tell(m_output->pb) != entry.end)
+        throw AppError(m_what + ": its journal is damaged");
 }
 
 /// Held as long as the journal is worked on; empty when somebody else does.
 Descriptor lockedJournal(const fs::path& movie)
 {
-    Descriptor journal(open(MovieJournal::pathFor(movie).c_str(), O_RDONLY | O_CLOEXEC));
+    Descriptor journal = openFile(MovieJournal::pathFor(movie), O_RDONLY);
     if (journal && flock(journal.number(), LOCK_EX | LOCK_NB) != 0)
         journal.close();
     return journal;
@@ -252,18 +307,27 @@ std::vector<fs::path> cutOffMovies(const fs::path& folder)
 
 std::optional<double> completeMovie(const fs::path& movie)
 {
+    const std::string what = "Could not complete " + movie.filename().string();
     const Descriptor lock = lockedJournal(movie);
     if (!lock)
         return std::nullopt;
+    Descriptor file = openFile(movie, O_RDWR);
+    if (!file)
+        fail(what, errno);
     const Contents contents = MovieJournal::read(MovieJournal::pathFor(movie));
-    auto entries = entriesUntil(static_cast<std::int64_t>(fs::file_size(movie)), contents);
-    if (std::ranges::none_of(entries, [](const Entry& entry) { return entry.track == 0; }))
+    auto entries = entriesUntil(lseek(file.number(), 0, SEEK_END), contents, what);
+    dropUnwritten(entries, file);
+    if (std::ranges::find(entries, 0, &Entry::track) == entries.end())
         return std::nullopt;
-    Completion completion(movie, contents, std::move(entries));
-    const auto length = completion.run();
-    if (length)
-        makeDurable(movie);
+    const double length = Completion(std::move(file), contents, std::move(entries), what).run();
+    makeDurable(movie);
     return length;
+}
+
+void makeClipDurable(const fs::path& movie)
+{
+    makeDurable(movie);
+    makeDurable(MovieJournal::pathFor(movie));
 }
 
 void forgetJournal(const fs::path& movie)

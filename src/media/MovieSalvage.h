@@ -11,12 +11,15 @@ namespace vantry {
 std::vector<std::filesystem::path> cutOffMovies(const std::filesystem::path& folder);
 
 /// Completes such a clip from its journal, with all that reached the disk, and gives its length in seconds. Nothing when that is
-/// not even one picture, or when the journal cannot be understood: both files stay as they are then. What was recorded is not read
-/// or moved, so that takes no room, and about a second for an hour. It can be done again when it is cut off itself. Throws
-/// AppError.
+/// not even one picture of its first track, or when somebody writes it. What was recorded is neither read nor moved, so that an
+/// hour takes about a second. It can be done again when it is cut off itself. Throws AppError when it cannot be written, or when
+/// the journal is damaged or another version's: what was recorded stays as it is then.
 std::optional<double> completeMovie(const std::filesystem::path& movie);
 
-/// Removes the journal: the movie is taken care of.
+/// Waits until what was written so far of a clip would outlive a power cut. Any thread. Throws AppError.
+void makeClipDurable(const std::filesystem::path& movie);
+
+/// Removes the journal. To be called once a project has the clip: until then a crash could lose it.
 void forgetJournal(const std::filesystem::path& movie);
 
 } // namespace vantry

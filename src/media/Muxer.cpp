@@ -157,8 +157,6 @@ void Muxer::finish(std::optional<MediaTime> end)
     libav::check(av_write_trailer(state.output.get()), state.what());
     libav::check(avio_closep(&state.output->pb), state.what());
     makeDurable(state.file);
-    if (state.journal)
-        MovieJournal::remove(state.file);
 }
 
 } // namespace vantry

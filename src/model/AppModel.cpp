@@ -76,6 +76,7 @@ void AppModel::open(const fs::path& folder)
     setPhase(Phase::editing());
     countRevisionUp();
     transcribeMissing();
+    m_salvage->start({ folder });
 }
 
 void AppModel::open(const QString& folder)
@@ -100,7 +101,7 @@ void AppModel::dropEmptyProject()
 
 void AppModel::salvage()
 {
-    m_salvage->start();
+    m_salvage->start(m_storage.folders());
 }
 
 void AppModel::edit(Rebuild rebuild, const std::function<void(Project&)>& change)

@@ -136,7 +136,6 @@ public:
 
     // Storage.
     const std::filesystem::path& root() const { return m_storage.root(); }
-    std::vector<std::filesystem::path> folders() const { return m_storage.folders(); }
     std::vector<std::filesystem::path> recent() const { return m_storage.recent(); }
 
     /// Opens the project of a folder for editing, or says why not and changes nothing. Ignored while a recording is under way.

@@ -3,6 +3,7 @@
 #include "base/AppError.h"
 #include "capture/ClipFolder.h"
 #include "capture/Recorder.h"
+#include "media/MovieSalvage.h"
 #include "model/AppModel.h"
 #include "model/CaptureDevices.h"
 #include "model/Coroutines.h"
@@ -312,6 +313,7 @@ void RecordingFlow::appendClip(double duration)
 {
     m_model.edit(Rebuild::No,
         [&](Project& project) { project.clips.push_back({ .file = *m_currentFile, .duration = duration, .keep = duration }); });
+    forgetJournal(*m_model.folder() / *m_currentFile);
 }
 
 QCoro::Task<> RecordingFlow::stopAndReview(double back)

@@ -45,15 +45,15 @@ SalvageFlow::SalvageFlow(AppModel& model)
 
 SalvageFlow::~SalvageFlow() = default;
 
-void SalvageFlow::start()
+void SalvageFlow::start(const std::vector<fs::path>& folders)
 {
-    launch(run(), [](const QString& description) { qCWarning(logModel) << description; });
+    launch(run(folders), [](const QString& description) { qCWarning(logModel) << description; });
 }
 
-QCoro::Task<> SalvageFlow::run()
+QCoro::Task<> SalvageFlow::run(std::vector<fs::path> folders)
 {
     const QPointer<SalvageFlow> self(this);
-    const auto clips = co_await complete(m_model.folders());
+    const auto clips = co_await complete(folders);
     if (!self)
         co_return;
     for (const CutOff& clip : clips) {
@@ -95,13 +95,20 @@ void SalvageFlow::keep(const CutOff& clip)
 {
     if (clip.problem)
         std::rethrow_exception(clip.problem);
-    if (m_model.folder() == clip.movie.parent_path()) {
+    if (isOpen(clip.movie.parent_path())) {
         m_model.edit(Rebuild::Yes, [&](Project& project) { append(project, clip.movie.filename().string(), clip.length); });
         m_model.transcribeMissing();
     } else {
         addToProject(clip);
     }
     forgetJournal(clip.movie);
+}
+
+/// Whatever name it was opened by.
+bool SalvageFlow::isOpen(const fs::path& folder) const
+{
+    std::error_code gone;
+    return m_model.folder() && fs::equivalent(*m_model.folder(), folder, gone);
 }
 
 /// One that is not open.

@@ -26,8 +26,8 @@ public:
     explicit SalvageFlow(AppModel& model);
     ~SalvageFlow() override;
 
-    /// Looks through all recordings, and says in the model's status what was found.
-    void start();
+    /// Looks through these folders, and says in the model's status what was found.
+    void start(const std::vector<std::filesystem::path>& folders);
 
 private:
     struct CutOff {
@@ -36,10 +36,11 @@ private:
         std::exception_ptr problem; ///< Why it is not.
     };
 
-    QCoro::Task<> run();
+    QCoro::Task<> run(std::vector<std::filesystem::path> folders);
     QFuture<std::vector<CutOff>> complete(const std::vector<std::filesystem::path>& folders);
     static std::optional<CutOff> completed(const std::filesystem::path& movie);
     void keep(const CutOff& clip);
+    bool isOpen(const std::filesystem::path& folder) const;
     void addToProject(const CutOff& clip);
 
     AppModel& m_model;

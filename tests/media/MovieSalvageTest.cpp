@@ -81,8 +81,9 @@ TEST(MovieSalvage, aClipThatWasCutOffHasAllThatReachedTheDisk)
     const test::TemporaryFolder folder;
     const auto whole = folder / "whole.mov", movie = cutOff(folder / "a: b.mov");
     record(whole)->finish(std::chrono::seconds(recorded));
+    forgetJournal(whole);
     EXPECT_THROW(readTracks(movie), AppError);
-    EXPECT_THAT(cutOffMovies(folder.path()), ElementsAre(movie)) << "nothing is left of the one that was finished";
+    EXPECT_THAT(cutOffMovies(folder.path()), ElementsAre(movie));
 
     const auto length = completeMovie(movie);
     ASSERT_TRUE(length);
@@ -132,10 +133,23 @@ TEST(MovieSalvage, aClipInTheMakingIsLeftAlone)
     EXPECT_EQ(completeMovie(movie), std::nullopt);
     muxer->finish(std::chrono::seconds(recorded));
     EXPECT_NEAR(test::probeEnd(movie, "v:0"), recorded, 2e-5);
-    EXPECT_FALSE(fs::exists(journalOf(movie)));
 }
 
-TEST(MovieSalvage, aJournalThatCannotBeUnderstoodChangesNothing)
+TEST(MovieSalvage, whatAPowerCutLeftUnwrittenIsLeftOut)
+{
+    const test::TemporaryFolder folder;
+    const auto movie = cutOff(folder / "clip.mov");
+    const auto size = fs::file_size(movie);
+    fs::resize_file(movie, size * 3 / 4);
+    fs::resize_file(movie, size); // With zeros.
+    const auto entries = fs::file_size(journalOf(movie));
+    fs::resize_file(journalOf(movie), entries + 4096);
+    ASSERT_TRUE(completeMovie(movie));
+    EXPECT_LE(fs::file_size(movie), size * 3 / 4 + 20'000) << "and the index";
+    EXPECT_EQ(test::runCommand("ffmpeg -v error -i '" + movie.string() + "' -map 0 -f framehash - 2>&1 >/dev/null"), "");
+}
+
+TEST(MovieSalvage, aDamagedJournalIsRefusedAndChangesNothing)
 {
     const test::TemporaryFolder folder;
     const auto movie = cutOff(folder / "clip.mov");
@@ -143,16 +157,45 @@ TEST(MovieSalvage, aJournalThatCannotBeUnderstoodChangesNothing)
     const auto journal = test::runCommand("cat '" + journalOf(movie).string() + "'");
     const auto isRefused = [&](const std::string& bytes) {
         std::ofstream(journalOf(movie), std::ios::binary) << bytes;
-        return completeMovie(movie) == std::nullopt && fs::file_size(movie) == size;
+        EXPECT_THROW(completeMovie(movie), AppError);
+        return fs::file_size(movie) == size;
     };
-    auto ofAnotherLibrary = journal;
-    ++ofAnotherLibrary[16];
-    for (const auto& bytes :
-        { std::string(), std::string("nonsense"), std::string(100'000, 'x'), journal.substr(0, 300), ofAnotherLibrary })
-        EXPECT_TRUE(isRefused(bytes)) << bytes.substr(0, 20);
+    const auto changed = [&](std::size_t place, char byte) {
+        auto bytes = journal;
+        bytes[place] = byte;
+        return bytes;
+    };
+    EXPECT_TRUE(isRefused(""));
+    EXPECT_TRUE(isRefused("nonsense"));
+    EXPECT_TRUE(isRefused(std::string(100'000, 'x')));
+    EXPECT_TRUE(isRefused(journal.substr(0, 300)));
+    EXPECT_TRUE(isRefused(changed(16, '\x7f'))) << "of another library";
+    constexpr std::size_t head = 28;
+    EXPECT_TRUE(isRefused(changed(head + 4, '\x7f'))) << "an unknown codec";
+    constexpr std::size_t entrySize = 40;
+    const auto middle = journal.size() - 100 * entrySize;
+    EXPECT_TRUE(isRefused(changed(middle, '\x09'))) << "no such track";
+    EXPECT_TRUE(isRefused(changed(middle + 5, '\x20'))) << "a flag that the library would act on";
+    EXPECT_TRUE(isRefused(changed(middle + 15, '\x7f'))) << "a time far away";
+    EXPECT_TRUE(isRefused(changed(middle + 32, '\x00'))) << "packets that lie elsewhere";
+
     std::ofstream(journalOf(movie), std::ios::binary) << journal;
     EXPECT_TRUE(completeMovie(movie));
     EXPECT_THAT(cutOffMovies(folder / "missing"), IsEmpty());
+}
+
+TEST(MovieSalvage, onlyFilesAreJournalsAndMovies)
+{
+    const test::TemporaryFolder folder;
+    const auto movie = cutOff(folder / "clip.mov");
+    const auto elsewhere = folder / "elsewhere.mov";
+    fs::rename(movie, elsewhere);
+    fs::create_symlink(elsewhere, movie);
+    const auto size = fs::file_size(elsewhere);
+    EXPECT_THROW(completeMovie(movie), AppError);
+    EXPECT_EQ(fs::file_size(elsewhere), size);
+    test::runCommand("mkfifo '" + (folder / ".pipe.mov.journal").string() + "'; touch '" + (folder / "pipe.mov").string() + "'");
+    EXPECT_EQ(completeMovie(folder / "pipe.mov"), std::nullopt);
 }
 
 } // namespace vantry

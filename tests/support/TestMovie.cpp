@@ -1,6 +1,7 @@
 #include "support/TestMovie.h"
 
 #include "capture/ClipWriter.h"
+#include "media/MovieSalvage.h"
 #include "support/FinishedClip.h"
 
 #include <cmath>
@@ -124,6 +125,7 @@ void writeTestMovie(const std::filesystem::path& file, const TestMovie& movie)
     const auto outcome = finishedClip(writer, end);
     if (!outcome.duration)
         throw std::runtime_error(outcome.problem);
+    forgetJournal(file);
 }
 
 } // namespace vantry::test
