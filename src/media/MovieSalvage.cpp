@@ -163,8 +163,9 @@ std::vector<Entry> entriesUntil(std::int64_t end, const Contents& contents, cons
 {
     std::vector<Entry> entries;
     std::int64_t before = 0;
-    for (auto entry = contents.entries.begin(); entry != contents.entries.end() && entry->end <= end; ++entry) {
-        if (isNothing(*entry) && std::all_of(entry, contents.entries.end(), isNothing))
+    const auto isLost = [end](const Entry& entry) { return entry.end > end || isNothing(entry); };
+    for (auto entry = contents.entries.begin(); entry != contents.entries.end(); ++entry) {
+        if (isLost(*entry) && std::all_of(entry, contents.entries.end(), isLost))
             break;
         if (!isSensible(*entry, before, contents))
             throw AppError(what + ": its journal is damaged");

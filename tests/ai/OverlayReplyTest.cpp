@@ -1,5 +1,6 @@
 #include "ai/OverlayReply.h"
 
+#include "ai/Characters.h"
 #include "ai/Chat.h"
 
 #include <gmock/gmock.h>
@@ -16,6 +17,12 @@ Overlay overlayOf(const std::string& json, const std::string& instruction = {})
 }
 
 } // namespace
+
+TEST(OverlayReplyTest, thePromptIsTheKnownOne)
+{
+    EXPECT_EQ(overlaySystemPrompt().size(), 1084);
+    EXPECT_EQ(characterCount(overlaySystemPrompt()), 1081);
+}
 
 TEST(OverlayReplyTest, theMessageTellsWhatIsSaidInTheMinuteBefore)
 {

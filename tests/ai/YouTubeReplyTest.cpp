@@ -1,5 +1,6 @@
 #include "ai/YouTubeReply.h"
 
+#include "ai/Characters.h"
 #include "ai/Chat.h"
 
 #include <gmock/gmock.h>
@@ -30,6 +31,12 @@ std::string chapters(const std::string& json, double length = 60)
 }
 
 } // namespace
+
+TEST(YouTubeReplyTest, thePromptIsTheKnownOne)
+{
+    EXPECT_EQ(youTubeSystemPrompt().size(), 758);
+    EXPECT_EQ(characterCount(youTubeSystemPrompt()), 754);
+}
 
 TEST(YouTubeReplyTest, theDetailsReplaceTheOldOnes)
 {

@@ -177,7 +177,7 @@ TEST(MovieSalvage, aDamagedJournalIsRefusedAndChangesNothing)
     EXPECT_TRUE(isRefused(changed(middle, '\x09'))) << "no such track";
     EXPECT_TRUE(isRefused(changed(middle + 5, '\x20'))) << "a flag that the library would act on";
     EXPECT_TRUE(isRefused(changed(middle + 15, '\x7f'))) << "a time far away";
-    EXPECT_TRUE(isRefused(changed(middle + 32, '\x00'))) << "packets that lie elsewhere";
+    EXPECT_TRUE(isRefused(changed(middle + 35, '\x7f'))) << "a packet that lies elsewhere";
 
     std::ofstream(journalOf(movie), std::ios::binary) << journal;
     EXPECT_TRUE(completeMovie(movie));

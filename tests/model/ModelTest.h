@@ -36,14 +36,20 @@ protected:
 /// The same with a model that has settings of its own.
 class ModelTest : public ProjectsTest {
 protected:
+    explicit ModelTest(Transcribe transcribe = Transcribe::OnRequest)
+        : m_transcribe(transcribe)
+    {
+    }
+
     std::string alert() const { return m_model.alert().value_or(QString()).toStdString(); }
 
+    const Transcribe m_transcribe;
     std::vector<std::filesystem::path> m_revealed;
     AppModel m_model{ {
         .root = m_root,
         .settingsFile = m_folder / "settings.ini",
         .reveal = [this](const std::filesystem::path& file) { m_revealed.push_back(file); },
-        .transcribe = Transcribe::OnRequest,
+        .transcribe = m_transcribe,
         .speech = withoutSpeechModel(),
     } };
 };

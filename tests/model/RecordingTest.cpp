@@ -1,7 +1,9 @@
 #include "capture/HotKeys.h"
+#include "capture/Recorder.h"
 #include "model/CaptureDevices.h"
 #include "model/ModelTest.h"
 #include "project/Timeline.h"
+#include "support/Command.h"
 #include "support/MediaServer.h"
 #include "support/MovieProbe.h"
 #include "support/XServer.h"
@@ -33,7 +35,8 @@ QByteArray contents(const fs::path& file)
 /// Records a small screen of its own, with a media server that has no devices.
 class RecordingTest : public test::ModelTest {
 protected:
-    RecordingTest()
+    explicit RecordingTest(Transcribe transcribe = Transcribe::OnRequest)
+        : ModelTest(transcribe)
     {
         QObject::connect(&m_model, &AppModel::phaseChanged, &m_model, [this] { m_phases.push_back(m_model.phase()); });
         QCoro::waitFor(m_model.devices()->listDevices());
@@ -61,6 +64,14 @@ protected:
     test::MediaServer m_server;
     test::XServer m_screen{ 320, 240 };
     std::vector<Phase> m_phases;
+};
+
+class TranscribedRecordingTest : public RecordingTest {
+protected:
+    TranscribedRecordingTest()
+        : RecordingTest(Transcribe::ByItself)
+    {
+    }
 };
 
 } // namespace
@@ -97,6 +108,35 @@ TEST_F(RecordingTest, aRecordingBecomesAClipAndARetakeTakesThePlaceOfWhatWasCutO
         EXPECT_EQ(test::probeFrames(movie, "v:0").at(0).time, 0) << "a still screen has a picture from the first instant";
         EXPECT_EQ(test::probeStream(movie, "a:0")["channels"], clip.id == first.id ? "2" : "") << "other applications' sound";
     }
+}
+
+TEST_F(TranscribedRecordingTest, aRecordingIsTranscribedWhenItHasEnded)
+{
+    recordASecond();
+    EXPECT_TRUE(pumpUntil([&] { return m_model.project()->clips.at(0).transcript == std::vector<Line>(); }));
+}
+
+TEST_F(RecordingTest, aKeySwitchesTheLayoutWhenItIsPressed)
+{
+    HotKeys keys([](const QString& trouble) { ADD_FAILURE() << trouble.toStdString(); });
+    keys.install([&](std::uint32_t id) { m_model.hotkey(id); });
+    m_model.record();
+    ASSERT_TRUE(reaches(Phase::recording())) << alert();
+    Recorder& recorder = m_model.recorder();
+    std::vector<double> late;
+    for (const std::string key : { "2", "3", "1", "2", "3" }) {
+        // Changes that lie close together would become one.
+        const double last = m_model.project()->layouts.back().time;
+        ASSERT_TRUE(pumpUntil([&] { return recorder.elapsed() > last + 0.2; }));
+        const double before = recorder.elapsed();
+        test::runCommand("xdotool key ctrl+alt+" + key);
+        const double after = recorder.elapsed();
+        ASSERT_TRUE(pumpUntil([&] { return m_model.project()->layouts.back().time >= before; }));
+        late.push_back(m_model.project()->layouts.back().time - after);
+    }
+    EXPECT_THAT(m_model.project()->layouts, SizeIs(1 + late.size()));
+    std::ranges::nth_element(late, late.begin() + 2);
+    EXPECT_LE(late[2], 0.05);
 }
 
 TEST_F(RecordingTest, aCancelledStartLeavesNothingBehind)
