@@ -1,12 +1,13 @@
 #include "media/MovieJournal.h"
 
 #include "base/Log.h"
-#include "media/Sound.h"
 
 #include <array>
 #include <cerrno>
+#include <cstddef>
 #include <fstream>
 #include <new>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -16,6 +17,10 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+
+extern "C" {
+#include <libavutil/crc.h>
+}
 
 namespace vantry {
 
@@ -32,6 +37,8 @@ struct Head {
     std::uint32_t codecs = avcodec_version();
     std::uint32_t formats = avformat_version();
     std::uint32_t tracks = 0;
+    std::uint32_t size = 0; ///< Of the tracks, in bytes.
+    std::uint32_t checksum = 0; ///< Of them.
 
     bool operator==(const Head&) const = default;
 };
@@ -46,8 +53,7 @@ static_assert(std::is_trivially_copyable_v<Head>);
 static_assert(std::is_trivially_copyable_v<TrackHead>);
 static_assert(std::is_trivially_copyable_v<MovieJournal::Entry>);
 
-constexpr std::uint32_t mostTracks = 16;
-constexpr int mostExtradata = 1 << 20;
+constexpr std::uint32_t mostTrackBytes = 1 << 20;
 constexpr std::uintmax_t mostBytes = 1 << 30; ///< More than a day.
 
 template <typename T>
@@ -56,40 +62,24 @@ bool read(std::istream& stream, T& value)
     return static_cast<bool>(stream.read(reinterpret_cast<char*>(&value), sizeof value));
 }
 
-bool isBetween(std::int64_t value, std::int64_t least, std::int64_t most)
+std::uint32_t checksumOf(const void* bytes, std::size_t size)
 {
-    return value >= least && value <= most;
+    constexpr std::uint32_t start = ~0U; // So that of nothing but zeros it is not zero.
+    return av_crc(av_crc_get_table(AV_CRC_32_IEEE), start, static_cast<const std::uint8_t*>(bytes), size);
 }
 
-bool isPicture(const AVCodecParameters& parameters)
+template <typename T>
+void append(std::string& bytes, const T& value)
 {
-    constexpr int mostPixels = 16384;
-    return parameters.codec_type == AVMEDIA_TYPE_VIDEO
-        && (parameters.codec_id == AV_CODEC_ID_HEVC || parameters.codec_id == AV_CODEC_ID_H264)
-        && isBetween(parameters.width, 1, mostPixels) && isBetween(parameters.height, 1, mostPixels);
-}
-
-bool isSound(const AVCodecParameters& parameters)
-{
-    return parameters.codec_type == AVMEDIA_TYPE_AUDIO && parameters.codec_id == AV_CODEC_ID_AAC
-        && parameters.sample_rate == sampleRate && isBetween(parameters.ch_layout.nb_channels, 1, 2)
-        && isBetween(parameters.frame_size, 1, sampleRate) && isBetween(parameters.initial_padding, 0, sampleRate);
-}
-
-/// Whether it is a track as clips have them. A journal may have been damaged, and the library trusts its caller.
-bool isSensible(const TrackHead& track)
-{
-    const AVCodecParameters& parameters = track.parameters;
-    const auto order = parameters.ch_layout.order;
-    constexpr int mostTicks = 1'000'000'000;
-    return (isPicture(parameters) || isSound(parameters)) && (order == AV_CHANNEL_ORDER_NATIVE || order == AV_CHANNEL_ORDER_UNSPEC)
-        && isBetween(parameters.extradata_size, 0, mostExtradata) && isBetween(track.timeBase.num, 1, mostTicks)
-        && isBetween(track.timeBase.den, 1, mostTicks);
+    bytes.append(reinterpret_cast<const char*>(&value), sizeof value);
 }
 
 /// Nothing where the extra data is cut off.
 libav::ParametersPtr readParameters(std::istream& stream, const AVCodecParameters& written)
 {
+    if (written.ch_layout.order > AV_CHANNEL_ORDER_NATIVE || written.extradata_size < 0
+        || written.extradata_size > static_cast<int>(mostTrackBytes))
+        return nullptr;
     auto parameters = libav::makeParameters();
     *parameters = written;
     parameters->ch_layout.opaque = nullptr;
@@ -137,25 +127,35 @@ MovieJournal::MovieJournal(const fs::path& movie, const AVFormatContext& output,
     : m_file(makeFile(pathFor(movie)))
 {
     flock(m_file.number(), LOCK_EX);
-    const Head head{ .tracks = output.nb_streams };
-    write(&head, sizeof head);
+    std::string tracks;
     for (unsigned i = 0; i < output.nb_streams; ++i) {
         const AVCodecParameters& parameters = *output.streams[i]->codecpar;
         TrackHead track{ .parameters = parameters, .timeBase = timeBases.at(i) };
         track.parameters.extradata = nullptr;
-        write(&track, sizeof track);
-        write(parameters.extradata, static_cast<std::size_t>(parameters.extradata_size));
+        append(tracks, track);
+        tracks.append(reinterpret_cast<const char*>(parameters.extradata), static_cast<std::size_t>(parameters.extradata_size));
     }
+    const Head head{ .tracks = output.nb_streams,
+        .size = static_cast<std::uint32_t>(tracks.size()),
+        .checksum = checksumOf(tracks.data(), tracks.size()) };
+    write(&head, sizeof head);
+    write(tracks.data(), tracks.size());
+}
+
+std::uint64_t MovieJournal::Entry::expectedChecksum() const
+{
+    return checksumOf(this, offsetof(Entry, checksum));
 }
 
 void MovieJournal::add(const AVPacket& packet, std::int64_t end)
 {
-    const Entry entry{ .track = packet.stream_index,
+    Entry entry{ .track = packet.stream_index,
         .flags = packet.flags,
         .pts = packet.pts,
         .dts = packet.dts,
         .duration = packet.duration,
         .end = end };
+    entry.checksum = entry.expectedChecksum();
     write(&entry, sizeof entry);
 }
 
@@ -173,15 +173,17 @@ MovieJournal::Contents MovieJournal::read(const fs::path& journal)
     std::error_code unreadable;
     std::ifstream stream(journal, std::ios::binary);
     Head head;
-    if (fs::file_size(journal, unreadable) > mostBytes || !vantry::read(stream, head) || head != Head{ .tracks = head.tracks }
-        || head.tracks > mostTracks)
+    if (fs::file_size(journal, unreadable) > mostBytes || !vantry::read(stream, head) || head.size > mostTrackBytes
+        || head != Head{ .tracks = head.tracks, .size = head.size, .checksum = head.checksum })
+        refuse(journal);
+    std::string bytes(head.size, '\0');
+    if (!stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()))
+        || checksumOf(bytes.data(), bytes.size()) != head.checksum)
         refuse(journal);
     Contents contents;
-    for (std::uint32_t i = 0; i < head.tracks; ++i) {
-        TrackHead track{};
-        if (!vantry::read(stream, track) || !isSensible(track))
-            refuse(journal);
-        auto parameters = readParameters(stream, track.parameters);
+    std::istringstream tracks(bytes);
+    for (TrackHead track{}; vantry::read(tracks, track);) {
+        auto parameters = readParameters(tracks, track.parameters);
         if (!parameters)
             refuse(journal);
         contents.tracks.push_back({ .parameters = std::move(parameters), .timeBase = track.timeBase });

@@ -23,6 +23,9 @@ public:
         std::int64_t dts = 0;
         std::int64_t duration = 0;
         std::int64_t end = 0; ///< Bytes of the movie's file up to here.
+        std::uint64_t checksum = 0; ///< Of the others.
+
+        std::uint64_t expectedChecksum() const;
     };
 
     struct Track {

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
+#include <iterator>
 #include <new>
 #include <string>
 #include <system_error>
@@ -132,30 +133,12 @@ bool isVideo(const AVCodecParameters& parameters)
     return parameters.codec_type == AVMEDIA_TYPE_VIDEO;
 }
 
-/// Silence takes a few bytes.
-std::int64_t smallestSize(const AVCodecParameters& parameters)
-{
-    return isVideo(parameters) ? startOfUnit.size() + 1 : 1;
-}
+constexpr std::int64_t largestPacket = 64 << 20;
 
 /// What a file holds where something was to be written when the power went.
 bool isNothing(const Entry& entry)
 {
-    return entry.end == 0 && entry.flags == 0 && entry.duration == 0;
-}
-
-/// Whether it is a packet as encoders make them. A journal may have been damaged, and the library trusts its caller.
-bool isSensible(const Entry& entry, std::int64_t before, const Contents& contents)
-{
-    constexpr std::int64_t largest = 64 << 20;
-    constexpr std::int64_t longest = 1LL << 50;
-    constexpr int known = AV_PKT_FLAG_KEY | AV_PKT_FLAG_DISPOSABLE;
-    if (entry.track < 0 || static_cast<std::size_t>(entry.track) >= contents.tracks.size() || (entry.flags & ~known) != 0)
-        return false;
-    const auto size = entry.end - before;
-    const auto isTime = [](std::int64_t time) { return time > -longest && time < longest; };
-    return entry.end > 0 && size >= smallestSize(*contents.tracks[static_cast<std::size_t>(entry.track)].parameters)
-        && size <= largest && isTime(entry.pts) && isTime(entry.dts) && isTime(entry.duration) && entry.duration >= 0;
+    return entry.end == 0 && entry.checksum == 0;
 }
 
 /// The packets within the first `end` bytes of the movie. Throws AppError when the journal is damaged: what followed would be lost.
@@ -165,12 +148,15 @@ std::vector<Entry> entriesUntil(std::int64_t end, const Contents& contents, cons
     std::int64_t before = 0;
     const auto isLost = [end](const Entry& entry) { return entry.end > end || isNothing(entry); };
     for (auto entry = contents.entries.begin(); entry != contents.entries.end(); ++entry) {
-        if (isLost(*entry) && std::all_of(entry, contents.entries.end(), isLost))
+        const auto size = entry->end - std::exchange(before, entry->end);
+        const bool hasTrack = static_cast<std::size_t>(entry->track) < contents.tracks.size();
+        const bool isWhole = entry->checksum == entry->expectedChecksum() && hasTrack && size > 0 && size <= largestPacket;
+        if (isWhole && !isLost(*entry))
+            entries.push_back(*entry);
+        else if (std::all_of(std::next(entry), contents.entries.end(), isLost))
             break;
-        if (!isSensible(*entry, before, contents))
+        else
             throw AppError(what + ": its journal is damaged");
-        entries.push_back(*entry);
-        before = entry->end;
     }
     return entries;
 }

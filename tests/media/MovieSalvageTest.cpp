@@ -143,6 +143,7 @@ TEST(MovieSalvage, whatAPowerCutLeftUnwrittenIsLeftOut)
     fs::resize_file(movie, size * 3 / 4);
     fs::resize_file(movie, size); // With zeros.
     const auto entries = fs::file_size(journalOf(movie));
+    fs::resize_file(journalOf(movie), entries - 20); // In the middle of one.
     fs::resize_file(journalOf(movie), entries + 4096);
     ASSERT_TRUE(completeMovie(movie));
     EXPECT_LE(fs::file_size(movie), size * 3 / 4 + 20'000) << "and the index";
@@ -170,9 +171,9 @@ TEST(MovieSalvage, aDamagedJournalIsRefusedAndChangesNothing)
     EXPECT_TRUE(isRefused(std::string(100'000, 'x')));
     EXPECT_TRUE(isRefused(journal.substr(0, 300)));
     EXPECT_TRUE(isRefused(changed(16, '\x7f'))) << "of another library";
-    constexpr std::size_t head = 28;
+    constexpr std::size_t head = 36;
     EXPECT_TRUE(isRefused(changed(head + 4, '\x7f'))) << "an unknown codec";
-    constexpr std::size_t entrySize = 40;
+    constexpr std::size_t entrySize = 48;
     const auto middle = journal.size() - 100 * entrySize;
     EXPECT_TRUE(isRefused(changed(middle, '\x09'))) << "no such track";
     EXPECT_TRUE(isRefused(changed(middle + 5, '\x20'))) << "a flag that the library would act on";
