@@ -106,7 +106,10 @@ Descriptor makeFile(const fs::path& path)
 
 fs::path MovieJournal::pathFor(const fs::path& movie)
 {
-    return movie.parent_path() / (std::string(prefix) + movie.filename().string() + std::string(ending));
+    std::string name(prefix);
+    name += movie.filename().string();
+    name += ending;
+    return movie.parent_path() / name;
 }
 
 std::optional<fs::path> MovieJournal::movieOf(const fs::path& journal)

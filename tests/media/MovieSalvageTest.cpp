@@ -71,7 +71,7 @@ std::vector<std::string> packets(const fs::path& movie, const std::string& strea
 
 fs::path journalOf(const fs::path& movie)
 {
-    return movie.parent_path() / ("." + movie.filename().string() + ".journal");
+    return movie.parent_path() / std::string(".").append(movie.filename().string()).append(".journal");
 }
 
 } // namespace

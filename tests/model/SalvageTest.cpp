@@ -40,7 +40,7 @@ protected:
 
     static fs::path journalOf(const fs::path& movie)
     {
-        return movie.parent_path() / ("." + movie.filename().string() + ".journal");
+        return movie.parent_path() / std::string(".").append(movie.filename().string()).append(".journal");
     }
 };
 
