@@ -14,7 +14,8 @@ namespace vantry {
 
 Launch::Launch(AppModel& model, CommandLine line)
     : m_model(model)
-    , m_hotKeys([&model](const QString& trouble) { model.setStatus(trouble); })
+    , m_keysNotice(model.notices())
+    , m_hotKeys([this](const QString& trouble) { m_keysNotice.warn(trouble); })
     , m_line(std::move(line))
 {
 }

@@ -25,6 +25,7 @@ private:
     QCoro::Task<> autorecord(double wait);
 
     AppModel& m_model;
+    Notice m_keysNotice;
     HotKeys m_hotKeys;
     const CommandLine m_line;
     bool m_launched = false;

@@ -27,7 +27,8 @@ public:
     using Handler = std::function<void(std::uint32_t id)>;
     using TroubleHandler = std::function<void(const QString& text)>;
 
-    /// `onTrouble` is told, for the user, which keys cannot be had and why. The others work.
+    /// `onTrouble` is told, for the user, which keys cannot be had and why; the others work. An empty text: now
+    /// all of them can.
     explicit HotKeys(TroubleHandler onTrouble);
     ~HotKeys();
 

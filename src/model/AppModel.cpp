@@ -49,16 +49,21 @@ AppModel::AppModel(Options options)
               return AI::Choices{ m_settings.model(), m_settings.tokensPath() };
           },
           std::move(options.ai)))
-    , m_aiOverlay(std::make_unique<OverlayFlow>(*this, *m_ai))
-    , m_youTube(std::make_unique<YouTubeFlow>(*this, *m_ai, [this] { return transcribeAll(); }))
+    , m_aiOverlay(std::make_unique<OverlayFlow>(*this, *m_ai, m_aiNotice))
+    , m_youTube(std::make_unique<YouTubeFlow>(*this, *m_ai, m_aiNotice, [this] { return transcribeAll(); }))
     , m_salvage(std::make_unique<SalvageFlow>(*this))
 {
+    connect(&m_notices, &Notices::changed, this, &AppModel::statusChanged);
     connect(this, &AppModel::projectChanged, this, &AppModel::liveLayoutChanged);
     connect(&m_settings, &Settings::setupLayoutChanged, this, &AppModel::liveLayoutChanged);
     connect(&m_settings, &Settings::setupCornerChanged, this, &AppModel::liveLayoutChanged);
 }
 
-AppModel::~AppModel() = default;
+/// Notices go with those who hold them, and nobody should look then.
+AppModel::~AppModel()
+{
+    m_notices.blockSignals(true);
+}
 
 void AppModel::open(const fs::path& folder)
 {
@@ -350,12 +355,6 @@ void AppModel::setBusy(const std::optional<QString>& text)
 {
     if (changeTo(m_busy, text))
         Q_EMIT busyChanged();
-}
-
-void AppModel::setStatus(const std::optional<QString>& text)
-{
-    if (changeTo(m_status, text))
-        Q_EMIT statusChanged();
 }
 
 void AppModel::setExportProgress(std::optional<double> fraction)

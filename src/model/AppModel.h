@@ -2,6 +2,7 @@
 
 #include "ai/Options.h"
 #include "model/LayoutKind.h"
+#include "model/Notices.h"
 #include "model/Phase.h"
 #include "model/ProjectFields.h"
 #include "model/ProjectStorage.h"
@@ -108,8 +109,8 @@ public:
     const std::optional<QString>& alert() const { return m_alert; }
     const std::optional<QString>& busy() const { return m_busy; }
 
-    /// What goes on, or does not work, in the background.
-    const std::optional<QString>& status() const { return m_status; }
+    /// What goes on, or does not work, in the background: the notice that matters.
+    std::optional<QString> status() const { return m_notices.shown(); }
 
     /// The layout at the end of the recording, or the one that the next recording starts with.
     LayoutEvent liveLayout() const;
@@ -125,6 +126,9 @@ public:
 
     /// Diameter of the bubble as a fraction of the frame's height: the project's, else the next recording's.
     double bubbleSize() const;
+
+    /// Whoever has something to say of what goes on holds a notice here.
+    Notices& notices() { return m_notices; }
 
     Settings* settings() { return &m_settings; }
     CaptureDevices* devices() { return m_devices.get(); }
@@ -244,7 +248,6 @@ public:
     std::optional<double> pendingSeek() const { return m_pendingSeek; }
     void setAlert(const std::optional<QString>& text);
     void setBusy(const std::optional<QString>& text);
-    void setStatus(const std::optional<QString>& text);
     void setExportProgress(std::optional<double> fraction);
     void countRevisionUp();
 
@@ -274,7 +277,7 @@ private:
     QString alertText() const { return m_alert.value_or(QString()); }
     void setAlertText(const QString& text) { setAlert(text.isEmpty() ? std::nullopt : std::optional(text)); }
     QString busyText() const { return m_busy.value_or(QString()); }
-    QString statusText() const { return m_status.value_or(QString()); }
+    QString statusText() const { return status().value_or(QString()); }
     LayoutKind::Kind liveLayoutKind() const { return static_cast<LayoutKind::Kind>(liveLayout().layout); }
     CornerKind::Kind liveCornerKind() const { return static_cast<CornerKind::Kind>(liveLayout().corner); }
     QVariant exportProgressValue() const { return m_exportProgress ? QVariant(*m_exportProgress) : QVariant(); }
@@ -288,6 +291,8 @@ private:
     ProjectStorage m_storage;
     Settings m_settings;
     const Transcribe m_transcribe;
+    Notices m_notices; ///< Outlives the flows, which hold them.
+    Notice m_aiNotice{ m_notices };
 
     Phase m_phase;
     std::optional<Project> m_project;
@@ -297,7 +302,6 @@ private:
     double m_playhead = 0;
     std::optional<QString> m_alert;
     std::optional<QString> m_busy;
-    std::optional<QString> m_status;
     std::optional<double> m_exportProgress;
     std::optional<double> m_pendingSeek;
 

@@ -13,10 +13,11 @@
 namespace vantry {
 
 /// The AI's reply about the open project. Nothing when there is none, or when it came after another project was opened; the model's
-/// texts say why. Nothing, and nobody is told, when the model is gone meanwhile.
+/// alert, or this notice, says why. Nothing, and nobody is told, when the model is gone meanwhile.
 template <typename Reply>
-QCoro::Task<std::optional<Reply>> askAI(AppModel& model, AI::Client& ai, std::string system, std::string user)
+QCoro::Task<std::optional<Reply>> askAI(AppModel& model, AI::Client& ai, Notice& notice, std::string system, std::string user)
 {
+    notice.clear();
     const QPointer<AppModel> alive(&model);
     const auto folder = model.folder();
     std::optional<Reply> reply;
@@ -31,7 +32,7 @@ QCoro::Task<std::optional<Reply>> askAI(AppModel& model, AI::Client& ai, std::st
     if (!reply) {
         model.setAlert(failure);
     } else if (model.folder() != folder) {
-        model.setStatus(QStringLiteral("AI result dropped: you switched recordings"));
+        notice.tell(QStringLiteral("AI result dropped: you switched recordings"));
         reply.reset();
     }
     co_return reply;

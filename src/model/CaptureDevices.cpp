@@ -51,6 +51,7 @@ CaptureDevices::CaptureDevices(AppModel& model, Recorder& recorder)
     : m_model(model)
     , m_recorder(recorder)
     , m_mirror(recorder.session().preview())
+    , m_microphoneNotice(model.notices())
 {
     m_meter.setInterval(meterInterval);
     connect(&m_meter, &QTimer::timeout, this, &CaptureDevices::measure);
@@ -110,8 +111,8 @@ void CaptureDevices::take(const MediaDeviceList& devices)
     Settings& settings = *m_model.settings();
     if (isFirst ? !contains(devices.cameras, settings.cameraID()) : settings.cameraID().isEmpty())
         settings.setCameraID(devices.cameras.empty() ? QString() : QString::fromStdString(devices.cameras.front().id));
-    if (isFirst && !settings.micID().isEmpty() && microphoneTrouble())
-        m_model.setStatus(microphoneTrouble());
+    if (isFirst && !settings.micID().isEmpty())
+        m_microphoneNotice.warn(microphoneTrouble().value_or(QString()));
     if (isFirst ? !contains(devices.microphones, settings.micID()) : settings.micID().isEmpty())
         settings.setMicID(QString::fromStdString(devices.defaultMicrophone.value_or(std::string())));
     reconfigure();

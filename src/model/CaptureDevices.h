@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/CameraMirror.h"
+#include "model/Notices.h"
 #include "platform/Displays.h"
 #include "platform/MediaDevices.h"
 
@@ -78,6 +79,7 @@ private:
     AppModel& m_model;
     Recorder& m_recorder;
     CameraMirror m_mirror;
+    Notice m_microphoneNotice;
     QTimer m_meter;
     std::vector<Display> m_displays;
     MediaDeviceList m_devices;

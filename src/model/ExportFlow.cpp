@@ -21,9 +21,11 @@ using namespace std::chrono_literals;
 ExportFlow::ExportFlow(AppModel& model, Reveal reveal)
     : m_model(model)
     , m_reveal(std::move(reveal))
+    , m_notice(model.notices())
 {
     m_poll.setInterval(300ms);
     connect(&m_poll, &QTimer::timeout, this, &ExportFlow::showProgress);
+    connect(&m_model, &AppModel::folderChanged, this, [this] { m_notice.clear(); });
 }
 
 ExportFlow::~ExportFlow()
@@ -96,7 +98,7 @@ QFuture<ExportFlow::Outcome> ExportFlow::makeVideo(ExportOptions options)
 void ExportFlow::deliver(const YouTubeInfo& info, const std::filesystem::path& video)
 {
     writeDetailsFile(info, video);
-    m_model.setStatus("Exported to "_L1 + text(video));
+    m_notice.tell("Exported to "_L1 + text(video));
     if (m_reveal)
         m_reveal(video);
 }
@@ -123,6 +125,7 @@ void ExportFlow::begin()
     m_running = true;
     m_cancel = std::stop_source();
     *m_fraction = 0;
+    m_notice.clear();
     m_model.setExportProgress(0);
     m_model.setBusy(u"Exporting…"_s);
     m_poll.start();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Worker.h"
+#include "model/Notices.h"
 #include "project/Project.h"
 #include "render/Exporter.h"
 
@@ -60,6 +61,7 @@ private:
     AppModel& m_model;
     const Reveal m_reveal;
     QTimer m_poll;
+    Notice m_notice;
     bool m_running = false;
     std::stop_source m_cancel;
 

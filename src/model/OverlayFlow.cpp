@@ -7,9 +7,10 @@ namespace vantry {
 
 using namespace Qt::StringLiterals;
 
-OverlayFlow::OverlayFlow(AppModel& model, AI::Client& ai)
+OverlayFlow::OverlayFlow(AppModel& model, AI::Client& ai, Notice& notice)
     : m_model(model)
     , m_ai(ai)
+    , m_notice(notice)
 {
 }
 
@@ -22,7 +23,7 @@ QCoro::Task<bool> OverlayFlow::suggest(QString instruction)
     const std::string wanted = instruction.toStdString();
     m_model.setBusy(u"Asking AI…"_s);
     const auto message = AI::overlayUserMessage(wanted, time, *m_model.project());
-    const auto reply = co_await askAI<AI::OverlayReply>(m_model, m_ai, AI::overlaySystemPrompt(), message);
+    const auto reply = co_await askAI<AI::OverlayReply>(m_model, m_ai, m_notice, AI::overlaySystemPrompt(), message);
     if (!alive)
         co_return false;
     if (reply)

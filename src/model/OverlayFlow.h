@@ -1,5 +1,7 @@
 #pragma once
 
+#include "model/Notices.h"
+
 #include <QCoroTask>
 #include <QString>
 
@@ -14,8 +16,8 @@ class Client;
 /// Lets the AI design overlays. Belongs to the main thread.
 class OverlayFlow {
 public:
-    /// Both outlive the flow.
-    OverlayFlow(AppModel& model, AI::Client& ai);
+    /// All of them outlive the flow.
+    OverlayFlow(AppModel& model, AI::Client& ai, Notice& notice);
 
     /// Adds an overlay as the instruction wants it, and says whether there is one now; why not stands in the model's texts. It
     /// starts where the playhead is when this is called.
@@ -24,6 +26,7 @@ public:
 private:
     AppModel& m_model;
     AI::Client& m_ai;
+    Notice& m_notice;
 };
 
 } // namespace vantry

@@ -36,6 +36,7 @@ RecordingFlow::RecordingFlow(AppModel& model, Recorder& recorder, CaptureDevices
     : m_model(model)
     , m_recorder(recorder)
     , m_devices(devices)
+    , m_sourcesNotice(model.notices())
 {
     m_clock.setInterval(clockInterval);
     connect(&m_clock, &QTimer::timeout, this, &RecordingFlow::tick);
@@ -65,8 +66,8 @@ void RecordingFlow::listenToRecorder()
 /// What is not recorded is told while the presenter is counted in, all of it.
 void RecordingFlow::tell(const QString& status)
 {
-    const std::optional<QString>& before = m_model.status();
-    m_model.setStatus(m_model.phase().isCountdown() && before ? *before + u' ' + status : status);
+    const QString before = m_sourcesNotice.text();
+    m_sourcesNotice.warn(m_model.phase().isCountdown() && !before.isEmpty() ? before + u' ' + status : status);
 }
 
 void RecordingFlow::onStreamError(const QString& description)
@@ -133,7 +134,7 @@ QCoro::Task<> RecordingFlow::startClip(std::optional<double> cutAt)
     if (!canKeepClip())
         co_return;
     m_startCancelled = false;
-    m_model.setStatus(m_devices.microphoneTrouble()); // Status and alert told of the time before.
+    m_sourcesNotice.warn(m_devices.microphoneTrouble().value_or(QString())); // Notice and alert told of the time before.
     m_model.setAlert(std::nullopt);
     m_model.setPhase(Phase::countdown(countdownFrom));
 
@@ -153,6 +154,7 @@ QCoro::Task<> RecordingFlow::startClip(std::optional<double> cutAt)
     // In setup it is what the preview shows.
     if (before == Phase::editing())
         m_devices.stopCamera();
+    m_sourcesNotice.clear();
     dropProjectWithoutClips();
     if (failure)
         report(startFailed + *failure);
@@ -282,8 +284,10 @@ QCoro::Task<> RecordingFlow::finishClip()
         report(QString(u"The last clip could not be saved. "_s + m_clipProblem).trimmed());
     m_currentFile.reset();
     co_await m_recorder.stopScreen();
-    if (self)
-        m_devices.stopCamera();
+    if (!self)
+        co_return;
+    m_devices.stopCamera();
+    m_sourcesNotice.clear();
 }
 
 void RecordingFlow::rescueClip()

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "model/Notices.h"
+
 #include <QCoroTask>
 #include <QFuture>
 #include <QObject>
@@ -70,6 +72,7 @@ private:
     Recorder& m_recorder;
     CaptureDevices& m_devices;
     QTimer m_clock;
+    Notice m_sourcesNotice; ///< What is not recorded.
     std::optional<std::string> m_currentFile;
     QString m_clipProblem; ///< Why it had to end, if it had to.
     std::optional<QFuture<std::optional<double>>> m_ending; ///< Of the current file.

@@ -40,6 +40,7 @@ QDateTime whenMade(const fs::path& file)
 
 SalvageFlow::SalvageFlow(AppModel& model)
     : m_model(model)
+    , m_notice(model.notices())
 {
 }
 
@@ -60,9 +61,9 @@ QCoro::Task<> SalvageFlow::run(std::vector<fs::path> folders)
         const QString folder = text(clip.movie.parent_path().filename());
         try {
             keep(clip);
-            m_model.setStatus("A recording that was cut off has been kept: "_L1 + folder);
+            m_notice.tell("A recording that was cut off has been kept: "_L1 + folder);
         } catch (const std::exception& error) {
-            m_model.setStatus("A recording that was cut off could not be kept: "_L1 + folder + ": "_L1 + describe(error));
+            m_notice.warn("A recording that was cut off could not be kept: "_L1 + folder + ": "_L1 + describe(error));
         }
     }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Worker.h"
+#include "model/Notices.h"
 
 #include <QCoroTask>
 #include <QFuture>
@@ -44,6 +45,7 @@ private:
     void addToProject(const CutOff& clip);
 
     AppModel& m_model;
+    Notice m_notice;
     Worker m_worker{ "vantry.salvage" };
 };
 

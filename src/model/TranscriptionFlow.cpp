@@ -25,6 +25,7 @@ constexpr auto failed = "Transcription failed: "_L1;
 TranscriptionFlow::TranscriptionFlow(AppModel& model, Transcriber::Options options)
     : m_model(model)
     , m_options(std::move(options))
+    , m_notice(model.notices())
 {
     connect(&m_model, &AppModel::folderChanged, this, [this] {
         if (m_running && m_model.folder() != m_folder)
@@ -39,9 +40,9 @@ TranscriptionFlow::~TranscriptionFlow()
 
 void TranscriptionFlow::transcribeMissing()
 {
-    launch(transcribeNext(), [model = QPointer(&m_model)](const QString& description) {
-        if (model)
-            model->setStatus(failed + description);
+    launch(transcribeNext(), [self = QPointer(this)](const QString& description) {
+        if (self)
+            self->m_notice.warn(failed + description);
     });
 }
 
@@ -84,7 +85,7 @@ QCoro::Task<> TranscriptionFlow::transcribeClips()
     for (const Clip& clip : clips) {
         if (clip.transcript)
             continue;
-        m_model.setStatus(transcribing);
+        m_notice.tell(transcribing);
         const Lines lines = co_await linesOf(clip, locale, transcriber);
         if (!self || !lines || m_model.folder() != m_folder)
             co_return;
@@ -119,7 +120,7 @@ Transcriber::OnFetching TranscriptionFlow::showFetching()
             qApp,
             [self, run, text] {
                 if (self && self->m_running && self->m_run == run)
-                    self->m_model.setStatus(text);
+                    self->m_notice.tell(text);
             },
             Qt::QueuedConnection);
     };
@@ -158,7 +159,10 @@ void TranscriptionFlow::begin()
 
 void TranscriptionFlow::end(const std::optional<QString>& failure)
 {
-    m_model.setStatus(failure);
+    if (failure)
+        m_notice.warn(*failure);
+    else
+        m_notice.clear();
     m_running = false;
     Q_EMIT runningChanged();
 }

@@ -4,6 +4,7 @@
 #include <QObject>
 
 #include "base/Worker.h"
+#include "model/Notices.h"
 #include "project/Project.h"
 #include "transcribe/Transcriber.h"
 
@@ -66,6 +67,7 @@ private:
 
     AppModel& m_model;
     const Transcriber::Options m_options;
+    Notice m_notice;
     bool m_running = false;
 
     // Of the run, or the last one.

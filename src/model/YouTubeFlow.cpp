@@ -7,9 +7,10 @@ namespace vantry {
 
 using namespace Qt::StringLiterals;
 
-YouTubeFlow::YouTubeFlow(AppModel& model, AI::Client& ai, Transcribe transcribe)
+YouTubeFlow::YouTubeFlow(AppModel& model, AI::Client& ai, Notice& notice, Transcribe transcribe)
     : m_model(model)
     , m_ai(ai)
+    , m_notice(notice)
     , m_transcribe(std::move(transcribe))
 {
 }
@@ -36,7 +37,7 @@ QCoro::Task<> YouTubeFlow::describeProject()
         co_return;
     }
     m_model.setBusy(u"Writing title, description, tags & chapters…"_s);
-    const auto reply = co_await askAI<AI::YouTubeReply>(m_model, m_ai, AI::youTubeSystemPrompt(), *message);
+    const auto reply = co_await askAI<AI::YouTubeReply>(m_model, m_ai, m_notice, AI::youTubeSystemPrompt(), *message);
     if (reply)
         m_model.edit(Rebuild::No, [&](Project& project) { project.youtube = AI::makeYouTubeInfo(*reply, project); });
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "model/Notices.h"
+
 #include <QCoroTask>
 
 #include <functional>
@@ -18,8 +20,8 @@ public:
     /// Makes the transcripts that the open project lacks, and never throws.
     using Transcribe = std::function<QCoro::Task<>()>;
 
-    /// Both outlive the flow.
-    YouTubeFlow(AppModel& model, AI::Client& ai, Transcribe transcribe);
+    /// They outlive the flow.
+    YouTubeFlow(AppModel& model, AI::Client& ai, Notice& notice, Transcribe transcribe);
 
     /// Replaces the project's title, title ideas, description and tags. Where nothing comes of it, the model's texts say why.
     QCoro::Task<> generate();
@@ -29,6 +31,7 @@ private:
 
     AppModel& m_model;
     AI::Client& m_ai;
+    Notice& m_notice;
     const Transcribe m_transcribe;
 };
 

@@ -24,7 +24,8 @@ public:
         /// Once for each press, however long the key is held. Called on the main thread.
         std::function<void(std::uint32_t id)> onPressed;
 
-        /// Says to the user which keys cannot be had and why; the others work. Again when the keyboard has changed.
+        /// Says to the user which keys cannot be had and why; the others work. Again when the keyboard has
+        /// changed, with an empty text when all of them can be had now.
         std::function<void(const std::string& text)> onTrouble;
     };
 

@@ -60,7 +60,10 @@ void X11Keys::grabAll()
             m_grabbed[code] = key.id;
     }
     xcb_flush(m_connection);
-    if (!taken.empty())
+    if (taken.empty() && std::exchange(m_areSomeTaken, false))
+        m_handlers.onTrouble({});
+    m_areSomeTaken = !taken.empty();
+    if (m_areSomeTaken)
         m_handlers.onTrouble(listed(taken) + (taken.size() == 1 ? " is" : " are") + " used by another program");
 }
 

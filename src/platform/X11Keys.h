@@ -38,6 +38,7 @@ private:
     std::vector<GlobalKey> m_keys;
     std::map<xcb_keycode_t, std::uint32_t> m_grabbed; ///< The ids of the keys that are ours.
     std::uint16_t m_numLock = 0;
+    bool m_areSomeTaken = false; ///< By another program.
     std::set<xcb_keycode_t> m_held;
     std::vector<std::uint32_t> m_pressed; ///< Ids of presses that are not told yet.
     bool m_keyboardChanged = false;

@@ -165,10 +165,10 @@ TEST_F(AssistantsTest, whatComesAfterAnotherProjectWasOpenedIsDropped)
     answer("{}");
     EXPECT_FALSE(wait(overlay));
     EXPECT_EQ(status(), "AI result dropped: you switched recordings");
-    m_model->setStatus(std::nullopt);
 
     const auto details = m_model->generateYouTube();
     asked();
+    EXPECT_EQ(status(), "") << "the next question is another matter";
     m_model->newRecording();
     answer(R"({"titles":["A"]})");
     wait(details);
