@@ -2,6 +2,7 @@
 
 #include "base/AppError.h"
 #include "media/MovieSalvage.h"
+#include "support/FileSizeLimit.h"
 #include "support/FinishedClip.h"
 #include "support/HoldsSoon.h"
 #include "support/MovieProbe.h"
@@ -11,9 +12,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <csignal>
 #include <random>
-#include <sys/resource.h>
 
 namespace vantry {
 
@@ -77,27 +76,6 @@ constexpr HostDuration samples(std::int64_t count)
 {
     return std::chrono::round<HostDuration>(SampleCount(count));
 }
-
-/// The system's own refusal to let any file of this process grow beyond a size.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t bytes)
-        : m_signalHandler(std::signal(SIGXFSZ, SIG_IGN))
-    {
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit{ bytes, m_before.rlim_max };
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_signalHandler);
-    }
-
-private:
-    rlimit m_before{};
-    void (*m_signalHandler)(int);
-};
 
 class ClipWriterTest : public testing::Test {
 protected:
@@ -303,7 +281,7 @@ TEST_F(ClipWriterTest, aBusyEncoderDropsAndCounts)
 
 TEST_F(ClipWriterTest, aFileThatCannotGrowEndsInNoDurationAndClearWords)
 {
-    const FileSizeLimit limit(300'000);
+    const test::FileSizeLimit limit(300'000);
     ClipWriter writer(m_file, { .screen = large, .audio = true }, start);
     const std::vector pictures{ noise(0, large), noise(1, large), noise(2, large) };
     int shown = 0;

@@ -2,16 +2,15 @@
 
 #include "base/AppError.h"
 #include "project/ProjectLimits.h"
+#include "support/FileSizeLimit.h"
 #include "support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 
-#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <thread>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 namespace vantry {
@@ -62,16 +61,10 @@ TEST(ProjectFile, aFailedSaveKeepsTheOldFileAndLeavesNothingBeside)
 {
     const TemporaryFolder folder;
     saveProject(named("old"), folder.path());
-    // No file grows beyond this size, as on a full disk.
-    rlimit usual{};
-    ::getrlimit(RLIMIT_FSIZE, &usual);
-    const rlimit small{ 1000, usual.rlim_max };
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    ::setrlimit(RLIMIT_FSIZE, &small);
-    EXPECT_EQ(errorOf([&] { saveProject(named(std::string(5000, 'a')), folder.path()); }), "project.json: File too large");
-    ::setrlimit(RLIMIT_FSIZE, &usual);
-    std::signal(SIGXFSZ, handler);
-
+    {
+        const test::FileSizeLimit full(1000);
+        EXPECT_EQ(errorOf([&] { saveProject(named(std::string(5000, 'a')), folder.path()); }), "project.json: File too large");
+    }
     EXPECT_NE(errorOf([&] { saveProject(named("\xff"), folder.path()); }), "");
     EXPECT_EQ(loadProject(folder.path()).name, "old");
     EXPECT_EQ(entries(folder.path()), 1u);

@@ -1,13 +1,12 @@
 #include "TestProject.h"
 #include "base/AppError.h"
 #include "render/Exporter.h"
+#include "support/FileSizeLimit.h"
 #include "support/MovieProbe.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <csignal>
-#include <sys/resource.h>
 
 namespace vantry {
 
@@ -68,27 +67,6 @@ std::vector<std::size_t> flashes(const std::vector<ProbedFrame>& frames)
             found.push_back(i);
     return found;
 }
-
-/// The file size that this process may write while it lives, like a disk with so much room left.
-class SmallDisk {
-public:
-    explicit SmallDisk(rlim_t bytes)
-        : m_handler(std::signal(SIGXFSZ, SIG_IGN))
-    {
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit small{ bytes, m_before.rlim_max };
-        setrlimit(RLIMIT_FSIZE, &small);
-    }
-    ~SmallDisk()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
-
-private:
-    void (*m_handler)(int);
-    rlimit m_before{};
-};
 
 } // namespace
 
@@ -201,7 +179,7 @@ TEST_F(ExportTest, aFullDiskIsSaidInClearWordsAndLeavesNothing)
 {
     add({ .frames = 120, .microphone = [](int sample) { return static_cast<float>(sample % 97) / 97; } }, 4);
     {
-        const SmallDisk disk(50'000);
+        const test::FileSizeLimit disk(50'000);
         EXPECT_THAT(exporting(), ThrowsMessage<AppError>("Could not write Intro.mp4: File too large"));
     }
     EXPECT_TRUE(outcome().empty());
