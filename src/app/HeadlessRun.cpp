@@ -58,8 +58,10 @@ void HeadlessRun::start()
 
 QCoro::Task<> HeadlessRun::run()
 {
-    const int status = co_await serve();
+    int status = co_await serve();
     m_progress.end();
+    if (!co_await m_model.saved())
+        status = failed();
     QCoreApplication::exit(status);
 }
 
@@ -67,9 +69,10 @@ QCoro::Task<int> HeadlessRun::serve()
 {
     m_destination = std::filesystem::absolute(*m_line.exportFile);
     checkDestination(m_destination);
-    if (m_line.open)
+    if (m_line.open) {
+        co_await m_model.salvage(*m_line.open);
         m_model.open(*m_line.open);
-    else
+    } else
         co_await record(autorecordWait(*m_line.autorecord));
     if (m_model.alert())
         co_return failed();

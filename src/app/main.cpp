@@ -6,6 +6,7 @@
 #include "app/Window.h"
 #include "base/AppError.h"
 #include "model/AppModel.h"
+#include "model/QuitFlow.h"
 #include "platform/FileBrowser.h"
 #include "platform/NetworkRoute.h"
 
@@ -32,6 +33,15 @@ int runWithoutWindow(int& argc, char** argv, const CommandLine& line)
     return QCoreApplication::exec();
 }
 
+/// The exit status, and why it is no success.
+int farewell(const QuitFlow& quitting)
+{
+    if (quitting.problem().isEmpty())
+        return EXIT_SUCCESS;
+    std::fprintf(stderr, "vantry: %s\n", quitting.problem().toUtf8().constData());
+    return EXIT_FAILURE;
+}
+
 int runWithWindow(int& argc, char** argv, const CommandLine& line)
 {
     Window::requireDesktop();
@@ -44,7 +54,8 @@ int runWithWindow(int& argc, char** argv, const CommandLine& line)
     QObject::connect(&signals, &UnixSignals::caught, &model, &AppModel::quit);
     // Not quit(), which would ask the window again.
     QObject::connect(
-        &model, &AppModel::readyToQuit, &application, [] { QCoreApplication::exit(EXIT_SUCCESS); }, Qt::QueuedConnection);
+        &model, &AppModel::readyToQuit, &application, [&model] { QCoreApplication::exit(farewell(*model.quitting())); },
+        Qt::QueuedConnection);
     QTimer::singleShot(0, &launch, &Launch::start);
     return QGuiApplication::exec();
 }

@@ -175,7 +175,8 @@ QFuture<std::optional<double>> Recorder::endClip()
         if (!m_writer)
             return complete(std::nullopt);
         m_finishing = std::move(m_writer);
-        m_finishing->finish(HostClock::now(), [this, complete](const ClipOutcome& outcome) {
+        m_clipEnd = HostClock::now();
+        m_finishing->finish(m_clipEnd, [this, complete](const ClipOutcome& outcome) {
             onFinished(outcome);
             complete(outcome.duration);
         });
@@ -197,7 +198,11 @@ void Recorder::onFinished(const ClipOutcome& outcome)
 
 double Recorder::elapsed()
 {
-    return m_captureQueue.sync([this] { return m_writer ? seconds(HostClock::now() - m_clipStart) : 0.0; });
+    return m_captureQueue.sync([this] {
+        if (m_writer)
+            return seconds(HostClock::now() - m_clipStart);
+        return m_finishing ? seconds(m_clipEnd - m_clipStart) : 0.0;
+    });
 }
 
 } // namespace vantry

@@ -62,7 +62,7 @@ public:
     /// no clip or its file could not be completed.
     QFuture<std::optional<double>> endClip();
 
-    /// Seconds since the clip's start; 0 without a clip.
+    /// Seconds since the clip's start, up to its end when that has come; 0 without a clip, and when its file is complete.
     double elapsed();
 
     /// Camera and microphone: which there are, which are used, what they see and hear. A clip has their tracks when they were there
@@ -101,6 +101,7 @@ private:
     std::unique_ptr<ClipWriter> m_writer;
     std::unique_ptr<ClipWriter> m_finishing; ///< The writer of a clip that has ended, until its file is complete.
     HostTime m_clipStart;
+    HostTime m_clipEnd; ///< Of the one that is being finished.
     std::optional<ScreenFrame> m_latestScreen;
     std::optional<SoundSample> m_latestSound; ///< The microphone's.
     std::optional<SoundSample> m_latestSystemSound;

@@ -3,6 +3,7 @@
 #include "ai/Client.h"
 #include "capture/HotKeys.h"
 #include "capture/Recorder.h"
+#include "media/MovieSalvage.h"
 #include "model/CaptureDevices.h"
 #include "model/ChangeTo.h"
 #include "model/Coroutines.h"
@@ -14,11 +15,14 @@
 #include "model/OverlayPictures.h"
 #include "model/Paths.h"
 #include "model/PreviewFlow.h"
+#include "model/ProjectSaver.h"
+#include "model/QuitFlow.h"
 #include "model/RecordingFlow.h"
 #include "model/SalvageFlow.h"
 #include "model/TranscriptionFlow.h"
 #include "model/VideoFiles.h"
 #include "model/YouTubeFlow.h"
+#include "project/Edits.h"
 #include "project/ProjectFile.h"
 #include "project/Timeline.h"
 
@@ -36,9 +40,11 @@ AppModel::AppModel(Options options)
     : m_storage(std::move(options.root))
     , m_settings(options.settingsFile)
     , m_transcribe(options.transcribe)
+    , m_saver(std::make_unique<ProjectSaver>(m_notices))
+    , m_salvage(std::make_unique<SalvageFlow>(*this, *m_saver))
     , m_recorder(std::make_unique<Recorder>())
     , m_devices(std::make_unique<CaptureDevices>(*this, *m_recorder))
-    , m_recording(std::make_unique<RecordingFlow>(*this, *m_recorder, *m_devices))
+    , m_recording(std::make_unique<RecordingFlow>(*this, *m_recorder, *m_devices, *m_salvage))
     , m_overlayPictures(std::make_unique<OverlayPictures>())
     , m_preview(std::make_unique<PreviewFlow>(*this))
     , m_export(std::make_unique<ExportFlow>(*this, std::move(options.reveal)))
@@ -51,8 +57,10 @@ AppModel::AppModel(Options options)
           std::move(options.ai)))
     , m_aiOverlay(std::make_unique<OverlayFlow>(*this, *m_ai, m_aiNotice))
     , m_youTube(std::make_unique<YouTubeFlow>(*this, *m_ai, m_aiNotice, [this] { return transcribeAll(); }))
-    , m_salvage(std::make_unique<SalvageFlow>(*this))
+    , m_quit(std::make_unique<QuitFlow>(*this, *m_saver, *m_salvage))
 {
+    connect(m_saver.get(), &ProjectSaver::failed, this,
+        [this](const QString& description) { setAlert("Could not save the project: "_L1 + description); });
     connect(&m_notices, &Notices::changed, this, &AppModel::statusChanged);
     connect(this, &AppModel::projectChanged, this, &AppModel::liveLayoutChanged);
     connect(&m_settings, &Settings::setupLayoutChanged, this, &AppModel::liveLayoutChanged);
@@ -70,9 +78,10 @@ void AppModel::open(const fs::path& folder)
     if (!isIdle())
         return;
     try {
-        setProject(loadProject(folder));
+        const auto unsaved = m_saver->unsaved(folder);
+        setProject(unsaved ? *unsaved : loadProject(folder));
     } catch (const std::exception& error) {
-        setAlert("Could not open project: "_L1 + describe(error));
+        openCutOff(folder, "Could not open project: "_L1 + describe(error));
         return;
     }
     setFolder(folder);
@@ -82,6 +91,31 @@ void AppModel::open(const fs::path& folder)
     countRevisionUp();
     transcribeMissing();
     m_salvage->start({ folder });
+}
+
+/// One whose first clip was cut off has no project before that clip is completed.
+void AppModel::openCutOff(const fs::path& folder, const QString& failure)
+{
+    std::error_code unreadable;
+    if (fs::exists(folder / projectFileName, unreadable) || cutOffMovies(folder).empty())
+        return setAlert(failure);
+    launch(completeAndOpen(folder, failure), [self = QPointer(this)](const QString& description) {
+        if (self)
+            self->setAlert(description);
+    });
+}
+
+QCoro::Task<> AppModel::completeAndOpen(fs::path folder, QString failure)
+{
+    const QPointer<AppModel> self(this);
+    const std::vector folders{ folder };
+    co_await m_salvage->run(folders);
+    if (!self)
+        co_return;
+    if (fs::exists(folder / projectFileName) || m_saver->unsaved(folder))
+        open(folder);
+    else
+        setAlert(failure);
 }
 
 void AppModel::open(const QString& folder)
@@ -98,8 +132,10 @@ void AppModel::newProject()
 
 void AppModel::dropEmptyProject()
 {
-    if (m_folder)
+    if (m_folder) {
+        m_saver->drop(*m_folder);
         ProjectStorage::removeIfEmpty(*m_folder);
+    }
     setProject(std::nullopt);
     setFolder(std::nullopt);
 }
@@ -109,26 +145,36 @@ void AppModel::salvage()
     m_salvage->start(m_storage.folders());
 }
 
-void AppModel::edit(Rebuild rebuild, const std::function<void(Project&)>& change)
+QCoro::Task<> AppModel::salvage(const fs::path& folder)
+{
+    return m_salvage->run({ folder });
+}
+
+QFuture<bool> AppModel::edit(Rebuild rebuild, const std::function<void(Project&)>& change)
+{
+    return edit(rebuild, change, {});
+}
+
+QFuture<bool> AppModel::addClip(Rebuild rebuild, const std::string& file, double length)
+{
+    return edit(rebuild, [&](Project& project) { append(project, file, length); }, { m_folder.value_or(fs::path()) / file });
+}
+
+QFuture<bool> AppModel::edit(Rebuild rebuild, const std::function<void(Project&)>& change, std::vector<fs::path> clips)
 {
     if (!m_project)
-        return;
+        return QtFuture::makeReadyFuture(false);
     Project changed = *m_project;
     change(changed);
     setProject(std::move(changed));
     if (rebuild == Rebuild::Yes)
         countRevisionUp();
-    if (m_folder)
-        save();
+    return m_folder ? m_saver->save(*m_project, *m_folder, std::move(clips)) : QtFuture::makeReadyFuture(false);
 }
 
-void AppModel::save()
+QFuture<bool> AppModel::saved()
 {
-    try {
-        saveProject(*m_project, *m_folder);
-    } catch (const std::exception& error) {
-        setAlert("Could not save the project: "_L1 + describe(error));
-    }
+    return m_saver->flush();
 }
 
 void AppModel::newRecording()
@@ -283,25 +329,7 @@ bool AppModel::transcribing() const
 
 void AppModel::quit()
 {
-    launch(finishAndQuit(), [this](const QString&) { Q_EMIT readyToQuit(); });
-}
-
-QCoro::Task<> AppModel::finishAndQuit()
-{
-    const QPointer<AppModel> self(this);
-    m_export->cancel();
-    m_transcription->cancel();
-    co_await m_export->ended();
-    if (self)
-        co_await m_transcription->ended();
-    if (self)
-        m_recording->cancelStart();
-    while (self && m_phase.isCountdown())
-        co_await nextEmission(this, &AppModel::phaseChanged);
-    if (self)
-        co_await m_recording->finishClip();
-    if (self)
-        Q_EMIT readyToQuit();
+    m_quit->start();
 }
 
 std::optional<Display> AppModel::screen() const

@@ -13,6 +13,7 @@
 #include "transcribe/Transcriber.h"
 
 #include <QCoroTask>
+#include <QFuture>
 #include <QObject>
 #include <QStringList>
 #include <QUrl>
@@ -35,6 +36,8 @@ class FieldBinding;
 class OverlayFlow;
 class OverlayPictures;
 class PreviewFlow;
+class ProjectSaver;
+class QuitFlow;
 class Recorder;
 class RecordingFlow;
 class SalvageFlow;
@@ -58,6 +61,7 @@ class AppModel : public QObject {
     Q_MOC_INCLUDE("model/CaptureDevices.h")
     Q_MOC_INCLUDE("model/FieldBinding.h")
     Q_MOC_INCLUDE("model/PreviewFlow.h")
+    Q_MOC_INCLUDE("model/QuitFlow.h")
     Q_PROPERTY(vantry::Phase phase READ phase NOTIFY phaseChanged)
     Q_PROPERTY(QString folder READ folderText NOTIFY folderChanged)
     Q_PROPERTY(QString projectName READ projectName NOTIFY projectChanged)
@@ -75,6 +79,7 @@ class AppModel : public QObject {
     Q_PROPERTY(vantry::Settings* settings READ settings CONSTANT)
     Q_PROPERTY(vantry::CaptureDevices* devices READ devices CONSTANT)
     Q_PROPERTY(vantry::PreviewFlow* preview READ preview CONSTANT)
+    Q_PROPERTY(vantry::QuitFlow* quitting READ quitting CONSTANT)
 
 public:
     struct Options {
@@ -133,6 +138,7 @@ public:
     Settings* settings() { return &m_settings; }
     CaptureDevices* devices() { return m_devices.get(); }
     PreviewFlow* preview() { return m_preview.get(); }
+    QuitFlow* quitting() { return m_quit.get(); }
     Recorder& recorder() { return *m_recorder; }
     RecordingFlow& recording() { return *m_recording; }
     ExportFlow& exporting() { return *m_export; }
@@ -142,7 +148,8 @@ public:
     const std::filesystem::path& root() const { return m_storage.root(); }
     std::vector<std::filesystem::path> recent() const { return m_storage.recent(); }
 
-    /// Opens the project of a folder for editing, or says why not and changes nothing. Ignored while a recording is under way.
+    /// Opens the project of a folder for editing, or says why not and changes nothing. A recording that was cut off before it had a
+    /// project is completed first. Ignored while a recording is under way.
     void open(const std::filesystem::path& folder);
     Q_INVOKABLE void open(const QString& folder);
 
@@ -152,12 +159,20 @@ public:
     /// Forgets the project, and deletes its folder if nothing was put into it.
     void dropEmptyProject();
 
-    /// Completes recordings that a crash cut off, and says in the status which.
+    /// Completes recordings that a crash cut off, and says in the status which: those of all folders, or of one, for which it
+    /// waits.
     void salvage();
+    QCoro::Task<> salvage(const std::filesystem::path& folder);
 
-    /// Changes a copy of the project, stores it and saves it. Nothing happens without a project; what cannot be saved stays in
-    /// memory.
-    void edit(Rebuild rebuild, const std::function<void(Project&)>& change);
+    /// Changes a copy of the project, stores it and has it saved, which nobody waits for; the future says whether it is on the disk
+    /// then. Nothing happens without a project. What cannot be saved stays in memory, the alert says why, and it is tried again.
+    QFuture<bool> edit(Rebuild rebuild, const std::function<void(Project&)>& change);
+
+    /// Puts a finished clip at the project's end, unless it is there. Its journal is forgotten once that is on the disk.
+    QFuture<bool> addClip(Rebuild rebuild, const std::string& file, double length);
+
+    /// Says whether everything is on the disk, when it is or cannot be.
+    QFuture<bool> saved();
 
     // Recording.
     Q_INVOKABLE void newRecording();
@@ -237,7 +252,7 @@ public:
     void transcribeMissing();
     bool transcribing() const;
 
-    /// Finishes what must not be lost and then says `readyToQuit`.
+    /// Finishes what must not be lost and then says `readyToQuit`, or what would be lost (`quitting`).
     Q_INVOKABLE void quit();
 
     // For the flows.
@@ -283,10 +298,11 @@ private:
     QVariant exportProgressValue() const { return m_exportProgress ? QVariant(*m_exportProgress) : QVariant(); }
     QStringList recentFolders() const;
 
+    QFuture<bool> edit(Rebuild rebuild, const std::function<void(Project&)>& change, std::vector<std::filesystem::path> clips);
+    void openCutOff(const std::filesystem::path& folder, const QString& failure);
+    QCoro::Task<> completeAndOpen(std::filesystem::path folder, QString failure);
     void setProject(std::optional<Project> project);
     void setFolder(const std::optional<std::filesystem::path>& folder);
-    void save();
-    QCoro::Task<> finishAndQuit();
 
     ProjectStorage m_storage;
     Settings m_settings;
@@ -305,6 +321,8 @@ private:
     std::optional<double> m_exportProgress;
     std::optional<double> m_pendingSeek;
 
+    std::unique_ptr<ProjectSaver> m_saver;
+    std::unique_ptr<SalvageFlow> m_salvage;
     std::unique_ptr<Recorder> m_recorder;
     std::unique_ptr<CaptureDevices> m_devices;
     std::unique_ptr<RecordingFlow> m_recording;
@@ -316,7 +334,7 @@ private:
     std::unique_ptr<AI::Client> m_ai;
     std::unique_ptr<OverlayFlow> m_aiOverlay;
     std::unique_ptr<YouTubeFlow> m_youTube;
-    std::unique_ptr<SalvageFlow> m_salvage;
+    std::unique_ptr<QuitFlow> m_quit;
 };
 
 } // namespace vantry

@@ -67,9 +67,6 @@ double EditingCommands::now() const
 {
     if (m_model.phase() == Phase::editing())
         return m_model.playhead();
-    // The clip that is being saved has ended but is no part of the project yet. What comes now must not change how it looks.
-    if (m_model.phase() == Phase::saving())
-        return m_model.liveTime();
     const auto& project = m_model.project();
     return (project ? totalLength(*project) : 0) + m_recorder.elapsed();
 }

@@ -3,10 +3,12 @@
 #include "base/AppError.h"
 #include "capture/ClipFolder.h"
 #include "capture/Recorder.h"
-#include "media/MovieSalvage.h"
 #include "model/AppModel.h"
 #include "model/CaptureDevices.h"
 #include "model/Coroutines.h"
+#include "model/Paths.h"
+#include "model/PreviewFlow.h"
+#include "model/SalvageFlow.h"
 #include "project/Edits.h"
 #include "project/Timeline.h"
 
@@ -32,10 +34,11 @@ constexpr auto startFailed = "Could not start recording: "_L1;
 
 } // namespace
 
-RecordingFlow::RecordingFlow(AppModel& model, Recorder& recorder, CaptureDevices& devices)
+RecordingFlow::RecordingFlow(AppModel& model, Recorder& recorder, CaptureDevices& devices, SalvageFlow& salvage)
     : m_model(model)
     , m_recorder(recorder)
     , m_devices(devices)
+    , m_salvage(salvage)
     , m_sourcesNotice(model.notices())
 {
     m_clock.setInterval(clockInterval);
@@ -150,12 +153,8 @@ QCoro::Task<> RecordingFlow::startClip(std::optional<double> cutAt)
     co_await m_recorder.stopScreen();
     if (!self)
         co_return;
-    m_model.setPhase(before);
-    // In setup it is what the preview shows.
-    if (before == Phase::editing())
-        m_devices.stopCamera();
     m_sourcesNotice.clear();
-    dropProjectWithoutClips();
+    goBackTo(before);
     if (failure)
         report(startFailed + *failure);
 }
@@ -230,16 +229,26 @@ bool RecordingFlow::canKeepClip()
         checkClipFolder(*m_model.folder());
         return true;
     } catch (const std::exception& error) {
-        dropProjectWithoutClips();
+        goBackTo(m_model.phase());
         report(startFailed + describe(error));
         return false;
     }
 }
 
-void RecordingFlow::dropProjectWithoutClips()
+/// What has no clips is given up, and then there is nothing to edit.
+void RecordingFlow::goBackTo(Phase phase)
 {
-    if (m_model.project() && m_model.project()->clips.empty())
+    if (m_model.project() && m_model.project()->clips.empty()) {
         m_model.dropEmptyProject();
+        m_model.preview()->clear();
+        phase = Phase::setup();
+    }
+    m_model.setPhase(phase);
+    // In setup it is what the preview shows.
+    if (phase == Phase::setup())
+        m_devices.startCamera();
+    else
+        m_devices.stopCamera();
 }
 
 void RecordingFlow::beginClip()
@@ -275,13 +284,13 @@ QCoro::Task<> RecordingFlow::finishClip()
         co_return;
     m_model.setPhase(Phase::saving());
     m_clock.stop();
-    const std::optional<double> duration = co_await endClip();
+    std::optional<double> duration = co_await endClip();
+    if (self && !duration)
+        duration = co_await completeClip();
     if (!self)
         co_return;
-    if (duration && m_currentFile)
-        appendClip(*duration);
-    else
-        report(QString(u"The last clip could not be saved. "_s + m_clipProblem).trimmed());
+    if (duration)
+        m_model.addClip(Rebuild::No, *m_currentFile, *duration);
     m_currentFile.reset();
     co_await m_recorder.stopScreen();
     if (!self)
@@ -298,7 +307,7 @@ void RecordingFlow::rescueClip()
     // A clip that is being ended already comes out of here as well.
     const std::optional<double> duration = m_ending ? m_ending->result() : m_recorder.endClip().result();
     if (duration)
-        appendClip(*duration);
+        m_model.addClip(Rebuild::No, *m_currentFile, *duration).waitForFinished();
     m_currentFile.reset();
 }
 
@@ -307,17 +316,27 @@ QCoro::Task<std::optional<double>> RecordingFlow::endClip()
 {
     try {
         m_ending = m_recorder.endClip();
+        tick();
         co_return co_await *m_ending;
     } catch (const std::exception& error) {
         co_return std::nullopt;
     }
 }
 
-void RecordingFlow::appendClip(double duration)
+/// The length of a clip whose file could not be completed, when what is on the disk can be. Says so when it cannot.
+QCoro::Task<std::optional<double>> RecordingFlow::completeClip()
 {
-    m_model.edit(Rebuild::No,
-        [&](Project& project) { project.clips.push_back({ .file = *m_currentFile, .duration = duration, .keep = duration }); });
-    forgetJournal(*m_model.folder() / *m_currentFile);
+    const QPointer<RecordingFlow> self(this);
+    QString why = m_clipProblem;
+    try {
+        if (const auto length = co_await m_salvage.complete(*m_model.folder() / *m_currentFile))
+            co_return length;
+    } catch (const std::exception& error) {
+        why = describe(error) + ". What was recorded stays where it is, and is completed as soon as that can be done."_L1;
+    }
+    if (self)
+        report(QString(u"The last clip could not be saved. "_s + why).trimmed());
+    co_return std::nullopt;
 }
 
 QCoro::Task<> RecordingFlow::stopAndReview(double back)

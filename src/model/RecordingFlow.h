@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/Notices.h"
+#include "model/Phase.h"
 
 #include <QCoroTask>
 #include <QFuture>
@@ -16,6 +17,7 @@ namespace vantry {
 class AppModel;
 class CaptureDevices;
 class Recorder;
+class SalvageFlow;
 
 /// Turns the presenter's commands into clips: checks that recording is possible, counts down while the sources start, cuts
 /// for a retake, keeps the live clock, and appends the finished clip to the project. Belongs to the main thread.
@@ -24,7 +26,7 @@ class RecordingFlow : public QObject {
 
 public:
     /// All of them outlive the flow.
-    RecordingFlow(AppModel& model, Recorder& recorder, CaptureDevices& devices);
+    RecordingFlow(AppModel& model, Recorder& recorder, CaptureDevices& devices, SalvageFlow& salvage);
 
     /// Starts a clip; with a time, the project is cut there before. Accepted in setup and editing only.
     void record(std::optional<double> cutAt);
@@ -53,12 +55,12 @@ private:
     QCoro::Task<> startCapture();
     QCoro::Task<> stopAndReview(double back);
     QCoro::Task<std::optional<double>> endClip();
+    QCoro::Task<std::optional<double>> completeClip();
 
     QCoro::Task<bool> permissionsOK();
     bool canKeepClip();
-    void dropProjectWithoutClips();
+    void goBackTo(Phase phase);
     void beginClip();
-    void appendClip(double duration);
     std::string unusedClipName() const;
     double keptLength() const;
     void tick();
@@ -71,6 +73,7 @@ private:
     AppModel& m_model;
     Recorder& m_recorder;
     CaptureDevices& m_devices;
+    SalvageFlow& m_salvage;
     QTimer m_clock;
     Notice m_sourcesNotice; ///< What is not recorded.
     std::optional<std::string> m_currentFile;

@@ -44,6 +44,12 @@ void cut(Project& project, double at)
     std::erase_if(project.layouts, [&](const LayoutEvent& event) { return event.time > at; });
 }
 
+void append(Project& project, const std::string& file, double length)
+{
+    if (std::ranges::find(project.clips, file, &Clip::file) == project.clips.end())
+        project.clips.push_back({ .file = file, .duration = length, .keep = length });
+}
+
 void setLayout(Project& project, Layout layout, Corner corner, double at)
 {
     if (!std::isfinite(at))

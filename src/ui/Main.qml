@@ -117,4 +117,6 @@ ApplicationWindow {
     }
 
     AlertDialog { model: window.model }
+
+    QuitDialog { model: window.model }
 }

@@ -4,6 +4,7 @@
 #include "model/CaptureDevices.h"
 #include "model/FieldBinding.h"
 #include "model/PreviewFlow.h"
+#include "model/QuitFlow.h"
 
 #include <QtQml/qqml.h>
 
@@ -43,6 +44,13 @@ struct PreviewType {
     Q_GADGET
     QML_FOREIGN(vantry::PreviewFlow)
     QML_NAMED_ELEMENT(Preview)
+    QML_UNCREATABLE("It belongs to the model.")
+};
+
+struct QuitType {
+    Q_GADGET
+    QML_FOREIGN(vantry::QuitFlow)
+    QML_NAMED_ELEMENT(Quit)
     QML_UNCREATABLE("It belongs to the model.")
 };
 

@@ -39,6 +39,7 @@ protected:
         m_model->edit(Rebuild::No, [](Project& project) { project.clips[0].transcript = { { 0, 1, "Hi" } }; });
     }
 
+    Project onDisk() { return m_model->saved().result() ? loadProject(*m_model->folder()) : Project(); }
     static std::string text(const std::optional<QString>& shown) { return shown.value_or(QString()).toStdString(); }
     std::string alert() const { return text(m_model->alert()); }
     std::string status() const { return text(m_model->status()); }
@@ -108,7 +109,7 @@ TEST_F(AssistantsTest, anOverlayIsAddedWhereThePlayheadWas)
     EXPECT_EQ(added.start, 65);
     EXPECT_EQ(added.text, " Say hello ");
     EXPECT_EQ(m_model->revision(), revision + 1);
-    EXPECT_THAT(loadProject(*m_model->folder()).overlays, SizeIs(2));
+    EXPECT_THAT(onDisk().overlays, SizeIs(2));
     EXPECT_THAT(m_busy, ElementsAre("Asking AI…", ""));
 }
 
@@ -198,7 +199,7 @@ TEST_F(AssistantsTest, detailsAreWrittenFromSpeechAndOverlays)
     answer(R"({"titles":["A","B"]})");
     wait(details);
     EXPECT_THAT(m_busy, ElementsAre("Transcribing…", "", "Transcribing…", "Writing title, description, tags & chapters…", ""));
-    EXPECT_EQ(loadProject(*m_model->folder()).youtube.title, "A");
+    EXPECT_EQ(onDisk().youtube.title, "A");
     EXPECT_EQ(m_model->revision(), revision);
 }
 

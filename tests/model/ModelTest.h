@@ -43,6 +43,9 @@ protected:
 
     std::string alert() const { return m_model.alert().value_or(QString()).toStdString(); }
 
+    /// The open project as it is on the disk once everything is saved.
+    Project onDisk() { return m_model.saved().result() ? loadProject(*m_model.folder()) : Project(); }
+
     const Transcribe m_transcribe;
     std::vector<std::filesystem::path> m_revealed;
     AppModel m_model{ {

@@ -2,8 +2,10 @@
 #include "capture/Recorder.h"
 #include "model/CaptureDevices.h"
 #include "model/ModelTest.h"
+#include "model/PreviewFlow.h"
 #include "project/Timeline.h"
 #include "support/Command.h"
+#include "support/FileSizeLimit.h"
 #include "support/MediaServer.h"
 #include "support/MovieProbe.h"
 #include "support/XServer.h"
@@ -83,7 +85,7 @@ TEST_F(RecordingTest, aRecordingBecomesAClipAndARetakeTakesThePlaceOfWhatWasCutO
         ElementsAre(
             Phase::countdown(3), Phase::countdown(2), Phase::countdown(1), Phase::recording(), Phase::saving(), Phase::editing()));
     EXPECT_EQ(m_model.revision(), 1);
-    ASSERT_THAT(loadProject(*m_model.folder()).clips, SizeIs(1));
+    ASSERT_THAT(onDisk().clips, SizeIs(1));
     const Clip first = m_model.project()->clips.front();
     EXPECT_THAT(first.file, testing::MatchesRegex("clip-[0-9]+\\.mov"));
     EXPECT_GE(first.duration, 1);
@@ -93,7 +95,7 @@ TEST_F(RecordingTest, aRecordingBecomesAClipAndARetakeTakesThePlaceOfWhatWasCutO
 
     m_model.settings()->setSystemAudio(false);
     recordASecond(0.5);
-    const Project saved = loadProject(*m_model.folder());
+    const Project saved = onDisk();
     ASSERT_THAT(saved.clips, SizeIs(2));
     EXPECT_EQ(saved.clips[0].id, first.id);
     EXPECT_EQ(saved.clips[0].keep, 0.5);
@@ -197,7 +199,7 @@ TEST_F(RecordingTest, aScreenThatVanishesEndsTheClip)
     m_screen.kill();
     ASSERT_TRUE(reaches(Phase::editing()));
     EXPECT_THAT(alert(), StartsWith("Screen capture stopped: "));
-    EXPECT_THAT(loadProject(*m_model.folder()).clips, SizeIs(1));
+    EXPECT_THAT(onDisk().clips, SizeIs(1));
 }
 
 TEST_F(RecordingTest, withoutAScreenNothingStarts)
@@ -245,6 +247,82 @@ TEST_F(RecordingTest, whereNothingCanBeWrittenThatIsSaidBeforeTheCountdown)
     EXPECT_EQ(alert(), "Could not start recording: Nothing can be written into " + moved.string() + ": No such file or directory");
     EXPECT_EQ(totalLength(*m_model.project()), 10);
     EXPECT_THAT(m_phases, ElementsAre(Phase::editing()));
+}
+
+TEST_F(RecordingTest, aLayoutWhileTheClipIsSavedLiesAtItsEnd)
+{
+    m_model.record();
+    ASSERT_TRUE(reaches(Phase::recording()));
+    ASSERT_TRUE(pumpUntil([&] { return m_model.recorder().elapsed() > 0.6; }));
+    QObject::connect(&m_model, &AppModel::phaseChanged, &m_model, [&] {
+        if (m_model.phase() == Phase::saving())
+            QTimer::singleShot(0, &m_model, [&] { press(HotKey::LayoutScreen); });
+    });
+    m_model.stop(0);
+    ASSERT_TRUE(reaches(Phase::editing()));
+    ASSERT_THAT(m_model.project()->layouts, SizeIs(2));
+    EXPECT_NEAR(m_model.project()->layouts.back().time, m_model.project()->clips.at(0).duration, 1e-6);
+}
+
+TEST_F(RecordingTest, aStartThatFailsWithoutClipsEndsInSetup)
+{
+    const fs::path folder = writeProject("empty");
+    saveProject({ .name = "empty", .layouts = { {} } }, folder);
+    m_model.open(folder);
+    m_model.record();
+    ASSERT_TRUE(reaches(Phase::countdown(2)));
+    m_model.cancelStart();
+    ASSERT_TRUE(pumpUntil([&] { return m_model.isIdle(); }));
+    EXPECT_EQ(m_model.phase(), Phase::setup());
+    EXPECT_FALSE(m_model.project());
+
+    m_model.open(writeProject("one"));
+    m_model.refreshPlayer();
+    m_model.record(0.0);
+    ASSERT_TRUE(reaches(Phase::countdown(1)));
+    fs::remove_all(*m_model.folder());
+    ASSERT_TRUE(pumpUntil([&] { return m_model.isIdle(); }));
+    EXPECT_EQ(m_model.phase(), Phase::setup());
+    EXPECT_TRUE(m_model.preview()->isEmpty());
+    EXPECT_FALSE(m_model.project());
+}
+
+TEST_F(RecordingTest, aClipThatCannotBeWrittenToItsEndIsCompletedFromWhatThereIs)
+{
+    std::optional<test::FileSizeLimit> full;
+    const auto recordUntilFull = [&] {
+        m_model.record();
+        ASSERT_TRUE(reaches(Phase::recording()));
+        int x = 0;
+        const auto moves = [&] { test::runCommand("xdotool mousemove " + std::to_string(x++ % 300) + " 50"); };
+        ASSERT_TRUE(pumpUntil([&] {
+            moves();
+            return m_model.recorder().elapsed() > 3;
+        }));
+        full.emplace(1);
+        ASSERT_TRUE(pumpUntil([&] {
+            moves();
+            return !alert().empty();
+        }));
+    };
+    recordUntilFull();
+    ASSERT_TRUE(reaches(Phase::editing()));
+    EXPECT_THAT(alert(), StartsWith("The last clip could not be saved. "));
+    EXPECT_THAT(m_model.project()->clips, IsEmpty());
+    full.reset();
+    ASSERT_TRUE(pumpUntil([&] { return !m_model.project()->clips.empty(); })) << "as soon as there is room";
+    const auto isTold = [&] {
+        return m_model.status().value_or(QString()).startsWith(u"A recording that was cut off has been kept");
+    };
+    EXPECT_TRUE(pumpUntil(isTold));
+
+    QObject::connect(&m_model, &AppModel::alertChanged, &m_model, [&] { full.reset(); });
+    recordUntilFull();
+    ASSERT_TRUE(reaches(Phase::editing()));
+    EXPECT_THAT(alert(), StartsWith("Recording stopped: "));
+    ASSERT_THAT(onDisk().clips, SizeIs(2)) << "at once where that can be done";
+    for (const Clip& clip : m_model.project()->clips)
+        EXPECT_NEAR(test::probeEnd(*m_model.folder() / clip.file, "v:0"), clip.duration, 0.05);
 }
 
 TEST_F(RecordingTest, quittingInTheCountdownLeavesNothingBehind)

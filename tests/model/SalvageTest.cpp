@@ -54,9 +54,42 @@ TEST_F(SalvageTest, aClipThatWasCutOffComesIntoTheOpenProject)
     m_model.open(open / "");
     ASSERT_TRUE(tells("A recording that was cut off has been kept: open"));
     EXPECT_THAT(m_model.project()->clips, ElementsAre(Field(&Clip::file, "clip-1.mov"), Field(&Clip::file, "clip-8.mov")));
-    EXPECT_NEAR(loadProject(open).clips.at(1).keep, 2, 0.1);
+    EXPECT_NEAR(onDisk().clips.at(1).keep, 2, 0.1);
     EXPECT_THAT(readTracks(open / "clip-8.mov"), SizeIs(1));
     EXPECT_FALSE(fs::exists(journalOf(open / "clip-8.mov")));
+}
+
+TEST_F(SalvageTest, whileSomethingIsRecordedItWaits)
+{
+    const auto open = writeProject("open");
+    m_model.open(open);
+    writeCutOffClip(open / "clip-8.mov");
+    m_model.setPhase(Phase::recording());
+    std::optional<Phase> added;
+    QObject::connect(&m_model, &AppModel::projectChanged, &m_model, [&] { added = m_model.phase(); });
+    m_model.salvage();
+    ASSERT_TRUE(test::pumpUntil([&] {
+        try {
+            return readTracks(open / "clip-8.mov").size() == 1;
+        } catch (const std::exception&) {
+            return false;
+        }
+    })) << "it is completed meanwhile";
+    m_model.setPhase(Phase::saving());
+    m_model.setPhase(Phase::editing());
+    ASSERT_TRUE(tells("A recording that was cut off has been kept: open"));
+    EXPECT_EQ(added, Phase::editing());
+    EXPECT_THAT(m_model.project()->clips, SizeIs(2));
+}
+
+TEST_F(SalvageTest, aProjectWhoseFirstClipWasCutOffIsOpenedWithIt)
+{
+    writeCutOffClip(m_root / "first/clip-8.mov");
+    m_model.open(m_root / "first");
+    ASSERT_TRUE(test::pumpUntil([&] { return m_model.phase() == Phase::editing(); })) << alert();
+    EXPECT_THAT(m_model.project()->clips, ElementsAre(Field(&Clip::file, "clip-8.mov")));
+    EXPECT_EQ(alert(), "");
+    EXPECT_THAT(onDisk().clips, SizeIs(1));
 }
 
 TEST_F(SalvageTest, whatCannotBeKeptIsSaidAndStays)

@@ -119,6 +119,7 @@ TEST_F(TranscriptionTest, openingAProjectTranscribesItsClips)
     ASSERT_THAT(transcript(0), Optional(SizeIs(1)));
     EXPECT_THAT(transcript(0)->front().text, HasSubstr("welcome to my channel"));
     EXPECT_THAT(transcript(1), Optional(IsEmpty()));
+    ASSERT_TRUE(m_app->saved().result());
     EXPECT_EQ(loadProject(folder).clips.at(0).transcript, transcript(0));
     EXPECT_EQ(m_app->revision(), 1) << "the preview stays as it is";
 

@@ -34,13 +34,13 @@ TEST_F(ViewsTest, showAndChangeTheProject)
     ASSERT_TRUE(view) << component.errorString().toStdString();
     EXPECT_EQ(view->property("shown"), u"one"_s);
     QMetaObject::invokeMethod(view.get(), "type", Q_ARG(QVariant, u"two"_s));
-    EXPECT_EQ(loadProject(*m_model.folder()).name, "two");
+    EXPECT_EQ(onDisk().name, "two");
     EXPECT_EQ(view->property("shown"), u"two"_s);
 
     EXPECT_EQ(view->property("onScreen"), false);
     QMetaObject::invokeMethod(view.get(), "choose");
     EXPECT_EQ(view->property("onScreen"), true);
-    EXPECT_EQ(loadProject(*m_model.folder()).layouts.back(), (LayoutEvent{ 5, Layout::screen, Corner::topLeft }));
+    EXPECT_EQ(onDisk().layouts.back(), (LayoutEvent{ 5, Layout::screen, Corner::topLeft }));
 }
 
 } // namespace vantry
