@@ -1,6 +1,7 @@
 #include "platform/CameraStream.h"
 
 #include "platform/CameraOffers.h"
+#include "platform/LoopEvent.h"
 #include "platform/PipeWire.h"
 
 #include <cerrno>
@@ -41,15 +42,16 @@ CameraMemory memoryOf(const spa_data& data)
 
 } // namespace
 
-/// Everything belongs to the loop's thread, or to who has its lock.
+/// Everything belongs to the loop's thread.
 class CameraStream::Impl {
 public:
     Impl(PipeWireLoop& loop, const std::string& camera, Handlers handlers);
     ~Impl();
 
 private:
-    int open(const std::string& camera);
-    void close();
+    void open(const std::string& camera);
+    int connect(const std::string& camera);
+    void end();
     void changeState(pw_stream_state state, const char* error);
     void changeFormat(const spa_pod& format);
     void askForBuffers();
@@ -64,6 +66,7 @@ private:
     std::optional<CameraMode> m_mode;
     bool m_isConnected = false;
     bool m_hasEnded = false; ///< No handler is called any more.
+    std::optional<pw::LoopEvent> m_arrival; ///< Of a frame. The library's own way of telling would fill its queue of calls.
     pw::StreamPtr m_stream;
     spa_hook m_hook{}; ///< The stream ends it.
 };
@@ -77,28 +80,34 @@ const pw_stream_events CameraStream::Impl::events = {
             if (parameter && id == SPA_PARAM_Format)
                 static_cast<Impl*>(self)->changeFormat(*parameter);
         },
-    .process = [](void* self) { static_cast<Impl*>(self)->process(); },
+    // On the media library's own thread.
+    .process = [](void* self) { static_cast<Impl*>(self)->m_arrival->signal(); },
 };
 
 CameraStream::Impl::Impl(PipeWireLoop& loop, const std::string& camera, Handlers handlers)
     : m_loop(loop)
     , m_handlers(std::move(handlers))
 {
-    const int result = open(camera);
-    if (result >= 0)
-        return;
-    close();
-    throw AppError(std::string("The camera cannot be opened: ") + spa_strerror(result));
+    m_loop.invoke([&] { open(camera); });
 }
 
 CameraStream::Impl::~Impl()
 {
-    close();
+    m_loop.invoke([this] { end(); });
 }
 
-int CameraStream::Impl::open(const std::string& camera)
+void CameraStream::Impl::open(const std::string& camera)
 {
-    const std::lock_guard guard(m_loop);
+    m_arrival.emplace(m_loop.loop(), [this] { process(); });
+    const int result = connect(camera);
+    if (result >= 0)
+        return;
+    end();
+    throw AppError(std::string("The camera cannot be opened: ") + spa_strerror(result));
+}
+
+int CameraStream::Impl::connect(const std::string& camera)
+{
     auto* properties = pw_properties_new(PW_KEY_MEDIA_TYPE, "Video", PW_KEY_MEDIA_CATEGORY, "Capture", PW_KEY_MEDIA_ROLE, "Camera",
         PW_KEY_TARGET_OBJECT, camera.c_str(), PW_KEY_NODE_DONT_RECONNECT, "true", nullptr);
     m_stream.reset(pw_stream_new(m_loop.core(), "camera", properties));
@@ -106,19 +115,19 @@ int CameraStream::Impl::open(const std::string& camera)
         return -errno;
     pw_stream_add_listener(m_stream.get(), &m_hook, &events, this);
     CameraOffers offers;
-    const auto flags = static_cast<pw_stream_flags>(PW_STREAM_FLAG_AUTOCONNECT | PW_STREAM_FLAG_MAP_BUFFERS);
+    const auto flags =
+        static_cast<pw_stream_flags>(PW_STREAM_FLAG_AUTOCONNECT | PW_STREAM_FLAG_MAP_BUFFERS | PW_STREAM_FLAG_RT_PROCESS);
     return pw_stream_connect(m_stream.get(), PW_DIRECTION_INPUT, PW_ID_ANY, flags, offers.list().data(),
         static_cast<std::uint32_t>(offers.list().size()));
 }
 
-void CameraStream::Impl::close()
+void CameraStream::Impl::end()
 {
-    m_loop.invoke([this] {
-        m_hasEnded = true;
-        if (m_stream)
-            pw_stream_disconnect(m_stream.get()); // Nobody uses the pointer any more when it becomes null.
-        m_stream.reset();
-    });
+    m_hasEnded = true;
+    if (m_stream)
+        pw_stream_disconnect(m_stream.get()); // Nobody tells of frames any more.
+    m_stream.reset();
+    m_arrival.reset();
 }
 
 void CameraStream::Impl::changeState(pw_stream_state state, const char* error)

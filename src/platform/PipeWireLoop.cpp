@@ -1,8 +1,12 @@
 #include "platform/PipeWireLoop.h"
 
+#include "platform/LoopEvent.h"
+
 #include <cerrno>
 #include <cstring>
+#include <future>
 #include <pipewire/pipewire.h>
+#include <vector>
 
 namespace vantry {
 
@@ -57,6 +61,42 @@ const pw_core_events PipeWireLoop::Listener::events = {
                  const char* message) { static_cast<Listener*>(self)->fail(id, result, message); },
 };
 
+/// What other threads want done on the loop's.
+class PipeWireLoop::Calls {
+public:
+    using Call = std::packaged_task<void()>;
+
+    explicit Calls(pw_loop* loop)
+        : m_event(loop, [this] { runAll(); })
+    {
+    }
+
+    void add(Call call)
+    {
+        {
+            const std::lock_guard guard(m_mutex);
+            m_waiting.push_back(std::move(call));
+        }
+        m_event.signal();
+    }
+
+private:
+    void runAll()
+    {
+        std::vector<Call> calls;
+        {
+            const std::lock_guard guard(m_mutex);
+            calls.swap(m_waiting);
+        }
+        for (auto& call : calls)
+            call();
+    }
+
+    std::mutex m_mutex;
+    std::vector<Call> m_waiting; ///< Guarded by the mutex.
+    pw::LoopEvent m_event;
+};
+
 void PipeWireLoop::Destroy::operator()(pw_thread_loop* loop) const
 {
     pw_thread_loop_destroy(loop);
@@ -78,6 +118,11 @@ void PipeWireLoop::Destroy::operator()(Listener* listener) const
     delete listener;
 }
 
+void PipeWireLoop::Destroy::operator()(Calls* calls) const
+{
+    delete calls;
+}
+
 PipeWireLoop::PipeWireLoop(const std::string& name, LostHandler onLost)
 {
     initializeLibrary();
@@ -93,6 +138,7 @@ PipeWireLoop::PipeWireLoop(const std::string& name, LostHandler onLost)
         throw noServer(errno);
     m_listener.reset(new Listener{ .loop = m_loop.get(), .onLost = std::move(onLost) });
     pw_core_add_listener(m_core.get(), &m_listener->hook, &Listener::events, m_listener.get());
+    m_calls.reset(new Calls(loop()));
     if (const int result = pw_thread_loop_start(m_loop.get()); result < 0)
         throw noServer(-result);
 }
@@ -119,14 +165,10 @@ pw_loop* PipeWireLoop::loop() const
 
 void PipeWireLoop::invoke(const std::function<void()>& function)
 {
-    const auto call = [](spa_loop*, bool, std::uint32_t, const void* data, std::size_t, void*) {
-        (*static_cast<const std::function<void()>*>(*static_cast<const void* const*>(data)))();
-        return 0;
-    };
-    // The library gives the lock away while it waits.
-    const std::lock_guard guard(*this);
-    const void* pointer = &function;
-    pw_loop_invoke(loop(), call, 0, &pointer, sizeof pointer, true, nullptr);
+    Calls::Call call(function);
+    auto done = call.get_future();
+    m_calls->add(std::move(call));
+    done.get();
 }
 
 bool PipeWireLoop::awaitServer(std::chrono::milliseconds longest)

@@ -40,7 +40,8 @@ public:
     pw_core* core() const { return m_core.get(); }
     pw_loop* loop() const;
 
-    /// Runs the function on the loop's thread and waits for it. It must not throw.
+    /// Runs the function on the loop's thread and waits for it; what it throws is thrown here. It may destroy streams. Neither with
+    /// the lock nor on the loop's thread.
     void invoke(const std::function<void()>& function);
 
     /// Waits until the server has done what was asked of it so far and the loop's thread has handled its answers. False when that
@@ -49,11 +50,13 @@ public:
 
 private:
     struct Listener;
+    class Calls;
     struct Destroy {
         void operator()(pw_thread_loop*) const;
         void operator()(pw_context*) const;
         void operator()(pw_core*) const;
         void operator()(Listener*) const;
+        void operator()(Calls*) const;
     };
 
     // From last to first they are destroyed, once the thread has ended.
@@ -61,6 +64,7 @@ private:
     std::unique_ptr<pw_context, Destroy> m_context;
     std::unique_ptr<pw_core, Destroy> m_core;
     std::unique_ptr<Listener, Destroy> m_listener;
+    std::unique_ptr<Calls, Destroy> m_calls;
 };
 
 } // namespace vantry

@@ -48,21 +48,25 @@ SoundConnection::SoundConnection(PipeWireLoop& loop, const Options& options, Han
     , m_handlers(std::move(handlers))
     , m_complaint(options.what + " cannot be used: ")
 {
-    const int result = open(options);
-    if (result >= 0)
-        return;
-    close();
-    throw AppError(m_complaint + spa_strerror(result));
+    m_loop.invoke([&] { open(options); });
 }
 
 SoundConnection::~SoundConnection()
 {
-    close();
+    m_loop.invoke([this] { end(); });
 }
 
-int SoundConnection::open(const Options& options)
+void SoundConnection::open(const Options& options)
 {
-    const std::lock_guard guard(m_loop);
+    const int result = connect(options);
+    if (result >= 0)
+        return;
+    end();
+    throw AppError(m_complaint + spa_strerror(result));
+}
+
+int SoundConnection::connect(const Options& options)
+{
     m_stream.reset(pw_stream_new(m_loop.core(), options.name.c_str(), propertiesOf(options)));
     if (!m_stream)
         return -errno;
@@ -77,14 +81,12 @@ int SoundConnection::open(const Options& options)
         m_stream.get(), options.direction, PW_ID_ANY, static_cast<pw_stream_flags>(flags), parameters, std::size(parameters));
 }
 
-void SoundConnection::close()
+void SoundConnection::end()
 {
-    m_loop.invoke([this] {
-        m_hasEnded = true;
-        if (m_stream)
-            pw_stream_disconnect(m_stream.get()); // Nobody uses the pointer any more when it becomes null.
-        m_stream.reset();
-    });
+    m_hasEnded = true;
+    if (m_stream)
+        pw_stream_disconnect(m_stream.get()); // Nobody uses the pointer any more when it becomes null.
+    m_stream.reset();
 }
 
 void SoundConnection::changeState(pw_stream_state state, const char* error)

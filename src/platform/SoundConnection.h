@@ -44,7 +44,7 @@ public:
     SoundConnection(const SoundConnection&) = delete;
     SoundConnection& operator=(const SoundConnection&) = delete;
 
-    /// Used under the loop's lock.
+    /// Used on the loop's thread, or under its lock for what only asks.
     pw_stream& stream() const { return *m_stream; }
 
     /// The time of the cycle that is being processed; nothing before the first one, and in the first one that another device
@@ -52,8 +52,9 @@ public:
     std::optional<pw_time> cycle();
 
 private:
-    int open(const Options& options);
-    void close();
+    void open(const Options& options);
+    int connect(const Options& options);
+    void end();
     void changeState(pw_stream_state state, const char* error);
 
     static const pw_stream_events events;

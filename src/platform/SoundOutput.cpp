@@ -62,8 +62,7 @@ SoundOutput::Impl::Impl(PipeWireLoop& loop, std::function<void(const AppError&)>
 
 void SoundOutput::Impl::setActive(bool isActive)
 {
-    const std::lock_guard guard(m_loop);
-    pw_stream_set_active(&m_connection.stream(), isActive);
+    m_loop.invoke([&] { pw_stream_set_active(&m_connection.stream(), isActive); });
 }
 
 void SoundOutput::Impl::process(pw_stream& stream)

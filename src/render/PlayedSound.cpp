@@ -111,7 +111,7 @@ void PlayedSound::open()
             qCInfo(logRender) << error.what();
             m_isLost = true;
         };
-        m_loop = std::make_unique<PipeWireLoop>("vantry.preview", lose);
+        m_loop = std::make_unique<PipeWireLoop>("vantry.playback", lose);
         auto output = std::make_unique<SoundOutput>(*m_loop, lose);
         const std::lock_guard lock(m_mutex);
         m_output = std::move(output);

@@ -5,8 +5,11 @@
 #include "support/Collected.h"
 #include "support/DeviceProgram.h"
 #include "support/PumpUntil.h"
+#include "support/SpoiledMemory.h"
 
 #include <atomic>
+#include <random>
+#include <thread>
 
 namespace vantry {
 
@@ -80,6 +83,22 @@ TEST_F(CameraStreamTest, opensAndClosesWithoutEnd)
         successes += viewer.seen.count() > 0;
     }
     EXPECT_GE(successes, 5);
+    EXPECT_TRUE(m_loop.awaitServer());
+}
+
+TEST_F(CameraStreamTest, aCameraIsPulledWhileItIsOpened)
+{
+    const test::SpoiledMemory spoiled;
+    const MediaDevices devices(m_loop);
+    std::mt19937 random(1);
+    std::uniform_int_distribution<> microseconds(0, 5000);
+    for (int i = 0; i < 60; ++i) {
+        std::optional<test::OwnCamera> camera(std::in_place);
+        ASSERT_TRUE(pumpUntil([&] { return devices.list().hasCamera(camera->name()); }));
+        const Viewer viewer(m_loop, camera->name());
+        std::this_thread::sleep_for(std::chrono::microseconds(microseconds(random)));
+        camera.reset();
+    }
     EXPECT_TRUE(m_loop.awaitServer());
 }
 

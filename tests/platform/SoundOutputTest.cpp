@@ -3,8 +3,11 @@
 #include "platform/PipeWireLoop.h"
 #include "support/PumpUntil.h"
 #include "support/Speakers.h"
+#include "support/SpoiledMemory.h"
 
 #include <cmath>
+#include <random>
+#include <thread>
 
 namespace vantry {
 
@@ -62,6 +65,22 @@ TEST_F(SoundOutputTest, whatIsDiscardedIsNotHeard)
     const auto clicks = m_speakers.clicks();
     ASSERT_EQ(clicks.size(), 1u);
     EXPECT_NEAR(static_cast<double>(output.heardAt(clicks.front()).value_or(0)), static_cast<double>(first + 10'000), 480);
+}
+
+/// While an output is closed, the server goes on telling it to begin or to rest.
+TEST_F(SoundOutputTest, opensAndClosesAtAnyMoment)
+{
+    const test::SpoiledMemory spoiled;
+    std::mt19937 random(1);
+    std::uniform_int_distribution<> microseconds(0, 2000);
+    for (int i = 0; i < 200; ++i) {
+        SoundOutput output(m_loop, fail);
+        output.start();
+        EXPECT_TRUE(i % 4 > 0 || pumpUntil([&] { return output.heardAt(HostClock::now()); }));
+        output.stop();
+        std::this_thread::sleep_for(std::chrono::microseconds(microseconds(random)));
+    }
+    EXPECT_TRUE(m_loop.awaitServer());
 }
 
 } // namespace vantry
