@@ -268,9 +268,7 @@ void CaptureSession::onPicture(const PictureSample& sample)
 void CaptureSession::onSound(std::span<const float> samples, HostTime time)
 {
     m_meter.add(samples);
-    m_captureQueue.post([this, sample = SoundSample{ { .channels = 1, .samples = { samples.begin(), samples.end() } }, time }] {
-        m_sinks.onSound(sample);
-    });
+    m_sound.take({ .sound = { .channels = 1, .samples = { samples.begin(), samples.end() } }, .time = time });
 }
 
 MediaDeviceList CaptureSession::devices() const

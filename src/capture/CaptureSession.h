@@ -6,6 +6,7 @@
 #include "capture/PowerMeter.h"
 #include "capture/Reminder.h"
 #include "capture/Sample.h"
+#include "capture/SoundHandOver.h"
 #include "media/PictureSize.h"
 #include "platform/CameraFrame.h"
 #include "platform/MediaDevices.h"
@@ -93,6 +94,7 @@ private:
     std::atomic<bool> m_isCameraRefused = false;
     std::atomic<int> m_waitingPictures = 0;
     PowerMeter m_meter;
+    SoundHandOver m_sound{ m_captureQueue, m_sinks.onSound };
     CameraPreview m_preview;
 
     mutable std::mutex m_mutex;

@@ -1,10 +1,10 @@
 #include "capture/SystemSoundSource.h"
 
+#include "capture/SoundHandOver.h"
 #include "platform/PipeWireLoop.h"
 #include "platform/SystemSound.h"
 
 #include <algorithm>
-#include <atomic>
 #include <condition_variable>
 #include <mutex>
 #include <pthread.h>
@@ -17,9 +17,6 @@ using namespace std::chrono_literals;
 static_assert(SoundStream::sampleRate == sampleRate);
 
 namespace {
-
-/// Some seconds: a capture queue that is held up for longer loses sound rather than memory.
-constexpr int mostWaitingPieces = 256;
 
 constexpr auto retryInterval = 1s;
 
@@ -37,6 +34,7 @@ public:
     Impl(Worker& captureQueue, Handlers handlers)
         : m_captureQueue(captureQueue)
         , m_handlers(std::move(handlers))
+        , m_handOver(captureQueue, m_handlers.onSound)
         , m_connection(connect())
         , m_thread([this] { run(); })
     {
@@ -64,7 +62,7 @@ private:
 
     Worker& m_captureQueue;
     const Handlers m_handlers;
-    std::atomic<int> m_waitingPieces = 0;
+    SoundHandOver m_handOver;
 
     std::mutex m_mutex;
     std::condition_variable m_changed;
@@ -147,16 +145,10 @@ void SystemSoundSource::Impl::fail(const AppError& error)
 /// On the media library's thread.
 void SystemSoundSource::Impl::hand(std::span<const float> samples, HostTime taken)
 {
-    if (m_waitingPieces >= mostWaitingPieces)
-        return;
-    ++m_waitingPieces;
     SoundSample sample{ { SystemSound::channels, { samples.begin(), samples.end() } }, taken };
     if (isSilent(sample.sound))
         sample.time -= std::chrono::round<HostDuration>(sample.sound.length());
-    m_captureQueue.post([this, sample = std::move(sample)]() mutable {
-        m_handlers.onSound(std::move(sample));
-        --m_waitingPieces;
-    });
+    m_handOver.take(std::move(sample));
 }
 
 void SystemSoundSource::Impl::report(const std::optional<AppError>& problem)
