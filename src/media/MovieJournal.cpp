@@ -1,18 +1,18 @@
 #include "media/MovieJournal.h"
 
 #include "base/Log.h"
+#include "media/TrackParameters.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstddef>
 #include <fstream>
-#include <new>
 #include <sstream>
 #include <string>
 #include <string_view>
 #include <system_error>
 #include <type_traits>
-#include <utility>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -31,22 +31,25 @@ namespace {
 constexpr std::string_view prefix = ".";
 constexpr std::string_view ending = ".journal";
 
-/// What follows is as it lies in memory, so it is read by a program that lays it out in the same way.
+constexpr std::array<char, 15> ourMagic{ 'v', 'a', 'n', 't', 'r', 'y', ' ', 'j', 'o', 'u', 'r', 'n', 'a', 'l', ' ' };
+constexpr char ourForm = '2';
+
+/// Another version of the libraries may lay out the same movie in another way.
 struct Head {
-    std::array<char, 16> magic{ 'v', 'a', 'n', 't', 'r', 'y', ' ', 'j', 'o', 'u', 'r', 'n', 'a', 'l', ' ', '1' };
+    std::array<char, ourMagic.size()> magic = ourMagic;
+    char form = ourForm; ///< Of what follows.
     std::uint32_t codecs = avcodec_version();
     std::uint32_t formats = avformat_version();
     std::uint32_t tracks = 0;
     std::uint32_t size = 0; ///< Of the tracks, in bytes.
     std::uint32_t checksum = 0; ///< Of them.
-
-    bool operator==(const Head&) const = default;
 };
 
-/// Its extra data follows it.
+/// Its parameters follow it.
 struct TrackHead {
-    AVCodecParameters parameters;
-    AVRational timeBase;
+    std::int32_t timeBaseNumerator = 0;
+    std::int32_t timeBaseDenominator = 0;
+    std::uint32_t size = 0; ///< Of the parameters, in bytes.
 };
 
 static_assert(std::is_trivially_copyable_v<Head>);
@@ -68,27 +71,31 @@ std::uint32_t checksumOf(const void* bytes, std::size_t size)
     return av_crc(av_crc_get_table(AV_CRC_32_IEEE), start, static_cast<const std::uint8_t*>(bytes), size);
 }
 
-template <typename T>
-void append(std::string& bytes, const T& value)
+std::string bytesOf(const AVCodecParameters& parameters, AVRational timeBase)
 {
-    bytes.append(reinterpret_cast<const char*>(&value), sizeof value);
+    const std::string values = libav::packed(parameters);
+    const TrackHead head{
+        .timeBaseNumerator = timeBase.num, .timeBaseDenominator = timeBase.den, .size = static_cast<std::uint32_t>(values.size())
+    };
+    return std::string(reinterpret_cast<const char*>(&head), sizeof head) + values;
 }
 
-/// Nothing where the extra data is cut off.
-libav::ParametersPtr readParameters(std::istream& stream, const AVCodecParameters& written)
+/// Nothing where they are not as `bytesOf` gives them.
+std::optional<std::vector<MovieJournal::Track>> tracksIn(const std::string& bytes)
 {
-    if (written.ch_layout.order > AV_CHANNEL_ORDER_NATIVE || written.extradata_size < 0
-        || written.extradata_size > static_cast<int>(mostTrackBytes))
-        return nullptr;
-    auto parameters = libav::makeParameters();
-    *parameters = written;
-    parameters->ch_layout.opaque = nullptr;
-    const auto size = static_cast<std::size_t>(written.extradata_size);
-    parameters->extradata = static_cast<std::uint8_t*>(av_mallocz(size + AV_INPUT_BUFFER_PADDING_SIZE));
-    if (!parameters->extradata)
-        throw std::bad_alloc();
-    const bool isWhole = static_cast<bool>(stream.read(reinterpret_cast<char*>(parameters->extradata), written.extradata_size));
-    return isWhole ? std::move(parameters) : nullptr;
+    std::vector<MovieJournal::Track> tracks;
+    std::istringstream stream(bytes);
+    for (TrackHead head; stream.peek() != std::istringstream::traits_type::eof();) {
+        if (!read(stream, head) || head.size > bytes.size())
+            return std::nullopt;
+        std::string values(head.size, '\0');
+        stream.read(values.data(), head.size);
+        auto parameters = stream ? libav::unpacked(values) : nullptr;
+        if (!parameters)
+            return std::nullopt;
+        tracks.push_back({ std::move(parameters), { head.timeBaseNumerator, head.timeBaseDenominator } });
+    }
+    return tracks;
 }
 
 Descriptor makeFile(const fs::path& path)
@@ -97,9 +104,22 @@ Descriptor makeFile(const fs::path& path)
     return Descriptor(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, permissions));
 }
 
-[[noreturn]] void refuse(const fs::path& journal)
+[[noreturn]] void refuse(const fs::path& journal, const std::string& why)
 {
-    throw AppError(journal.filename().string() + " cannot be understood");
+    throw AppError(journal.filename().string() + why);
+}
+
+/// Throws when what follows it cannot be understood.
+Head readHead(std::istream& stream, const fs::path& journal)
+{
+    Head head;
+    if (!vantry::read(stream, head))
+        refuse(journal, " is damaged");
+    if (head.magic != ourMagic)
+        refuse(journal, " is no journal of a recording");
+    if (head.form != ourForm || head.codecs != avcodec_version() || head.formats != avformat_version())
+        refuse(journal, " was written by another version of Vantry or of FFmpeg");
+    return head;
 }
 
 } // namespace
@@ -131,13 +151,8 @@ MovieJournal::MovieJournal(const fs::path& movie, const AVFormatContext& output,
 {
     flock(m_file.number(), LOCK_EX);
     std::string tracks;
-    for (unsigned i = 0; i < output.nb_streams; ++i) {
-        const AVCodecParameters& parameters = *output.streams[i]->codecpar;
-        TrackHead track{ .parameters = parameters, .timeBase = timeBases.at(i) };
-        track.parameters.extradata = nullptr;
-        append(tracks, track);
-        tracks.append(reinterpret_cast<const char*>(parameters.extradata), static_cast<std::size_t>(parameters.extradata_size));
-    }
+    for (unsigned i = 0; i < output.nb_streams; ++i)
+        tracks += bytesOf(*output.streams[i]->codecpar, timeBases.at(i));
     const Head head{ .tracks = output.nb_streams,
         .size = static_cast<std::uint32_t>(tracks.size()),
         .checksum = checksumOf(tracks.data(), tracks.size()) };
@@ -175,22 +190,13 @@ MovieJournal::Contents MovieJournal::read(const fs::path& journal)
 {
     std::error_code unreadable;
     std::ifstream stream(journal, std::ios::binary);
-    Head head;
-    if (fs::file_size(journal, unreadable) > mostBytes || !vantry::read(stream, head) || head.size > mostTrackBytes
-        || head != Head{ .tracks = head.tracks, .size = head.size, .checksum = head.checksum })
-        refuse(journal);
-    std::string bytes(head.size, '\0');
-    if (!stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()))
-        || checksumOf(bytes.data(), bytes.size()) != head.checksum)
-        refuse(journal);
-    Contents contents;
-    std::istringstream tracks(bytes);
-    for (TrackHead track{}; vantry::read(tracks, track);) {
-        auto parameters = readParameters(tracks, track.parameters);
-        if (!parameters)
-            refuse(journal);
-        contents.tracks.push_back({ .parameters = std::move(parameters), .timeBase = track.timeBase });
-    }
+    const Head head = readHead(stream, journal);
+    std::string bytes(std::min(head.size, mostTrackBytes), '\0');
+    stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    auto tracks = stream && checksumOf(bytes.data(), bytes.size()) == head.checksum ? tracksIn(bytes) : std::nullopt;
+    if (!tracks || tracks->size() != head.tracks || fs::file_size(journal, unreadable) > mostBytes)
+        refuse(journal, " is damaged");
+    Contents contents{ .tracks = *std::move(tracks), .entries = {} };
     for (Entry entry; vantry::read(stream, entry);)
         contents.entries.push_back(entry);
     return contents;
