@@ -14,8 +14,22 @@ namespace {
 constexpr int mostWaitingPictures = 4;
 constexpr HostDuration longestModeWait = 1s;
 constexpr HostDuration reconnectWait = 1s;
-constexpr HostDuration longestSilence = 3s; ///< Of a camera: the slowest in the dark sends more often.
 constexpr PictureSize fullHd{ 1920, 1080 };
+
+DeviceSlot::Options cameraOptions()
+{
+    // The slowest in the dark sends more often.
+    return {
+        .longestSilence = 3s, .silence = "The camera sends no pictures", .advice = "Close what else uses it, or choose another one."
+    };
+}
+
+DeviceSlot::Options microphoneOptions()
+{
+    return { .longestSilence = 2s,
+        .silence = "no sound comes from it",
+        .advice = "Close what else uses it, or choose another one. Your voice is not recorded." };
+}
 
 /// Frames stop coming before the pictures that wait are dropped.
 struct OpenCamera {
@@ -40,16 +54,8 @@ struct OpenCamera {
 CaptureSession::CaptureSession(Worker& captureQueue, Sinks sinks)
     : m_captureQueue(captureQueue)
     , m_sinks(std::move(sinks))
-    , m_camera({
-          .open = [this](const MediaDevice& device, std::uint64_t number) { return openCamera(device, number); },
-          .tell = [this](const std::string& text) { tell(text); },
-          .retryIn = [this](HostDuration delay) { m_reminder.remindIn(delay); },
-      })
-    , m_microphone({
-          .open = [this](const MediaDevice& device, std::uint64_t number) { return openMicrophone(device, number); },
-          .tell = [this](const std::string& text) { tell(text); },
-          .retryIn = [this](HostDuration delay) { m_reminder.remindIn(delay); },
-      })
+    , m_camera(cameraOptions(), actionsFor(CaptureSource::Camera))
+    , m_microphone(microphoneOptions(), actionsFor(CaptureSource::Microphone))
     , m_reminder([this] { m_sessionQueue.post([this] { connect(); }); })
 {
 }
@@ -60,13 +66,25 @@ CaptureSession::~CaptureSession()
     m_sessionQueue.sync([this] {
         m_isClosing = true;
         m_onDevices = {};
-        m_onStatus = {};
+        m_onTrouble = {};
         m_isRunning = false;
         update();
         m_devices.reset();
         m_loop.reset();
     });
     m_captureQueue.sync([] {}); // What the devices posted has run.
+}
+
+DeviceSlot::Actions CaptureSession::actionsFor(CaptureSource source)
+{
+    const bool isCamera = source == CaptureSource::Camera;
+    return {
+        .open = [this, isCamera](const MediaDevice& device,
+                    std::uint64_t number) { return isCamera ? openCamera(device, number) : openMicrophone(device, number); },
+        .lastSign = [this, isCamera] { return isCamera ? latestPicture() : m_meter.latest(); },
+        .tell = [this, source](const std::optional<std::string>& trouble) { tell(source, trouble); },
+        .retryIn = [this](HostDuration delay) { m_reminder.remindIn(delay); },
+    };
 }
 
 void CaptureSession::configure(const std::optional<std::string>& camera, const std::optional<std::string>& microphone)
@@ -110,11 +128,11 @@ void CaptureSession::connect()
             m_sessionQueue.post([this, reason = std::string(error.what())] { disconnect(reason); });
         });
     } catch (const AppError& error) {
-        if (!std::exchange(m_hasToldOfServer, true))
-            tell(std::string(error.what()) + ". Start PipeWire to record camera and microphone.");
+        if (!m_serverTrouble)
+            setServerTrouble(std::string(error.what()) + ". Start PipeWire to record camera and microphone.");
         return m_reminder.remindIn(reconnectWait);
     }
-    m_hasToldOfServer = false;
+    setServerTrouble({});
     m_devices = std::make_unique<MediaDevices>(*m_loop, [this](const MediaDeviceList&) {
         m_sessionQueue.post([this] {
             if (m_devices)
@@ -131,9 +149,14 @@ void CaptureSession::disconnect(const std::string& reason)
     setDevices({});
     m_devices.reset();
     m_loop.reset();
-    tell(reason);
-    m_hasToldOfServer = true;
+    setServerTrouble(reason);
     m_reminder.remindIn(reconnectWait);
+}
+
+void CaptureSession::setServerTrouble(const std::optional<std::string>& trouble)
+{
+    if (std::exchange(m_serverTrouble, trouble) != trouble)
+        tell(CaptureSource::MediaServer, trouble);
 }
 
 void CaptureSession::setDevices(const MediaDeviceList& list)
@@ -151,7 +174,7 @@ void CaptureSession::update()
 {
     const auto list = devices();
     m_camera.update(list.cameras, m_isRunning);
-    expectPictures();
+    m_isCameraRefused = !m_camera.refusal().empty();
     m_microphone.update(list.microphones, m_isRunning);
     if (!m_camera.isOpen() && m_preview.latest())
         m_preview.set({});
@@ -159,17 +182,16 @@ void CaptureSession::update()
         m_meter.reset();
 }
 
-void CaptureSession::expectPictures()
+void CaptureSession::tell(CaptureSource source, const std::optional<std::string>& trouble)
 {
-    const auto latest = m_preview.latest();
-    m_camera.expectSigns(latest ? latest->time : HostTime(), longestSilence, AppError("The camera sends no pictures"));
-    m_isCameraRefused = !m_camera.refusal().empty();
+    if (m_onTrouble)
+        m_onTrouble(source, trouble);
 }
 
-void CaptureSession::tell(const std::string& text)
+HostTime CaptureSession::latestPicture() const
 {
-    if (m_onStatus)
-        m_onStatus(text);
+    const auto latest = m_preview.latest();
+    return latest ? latest->time : HostTime();
 }
 
 DeviceSlot::Stream CaptureSession::openCamera(const MediaDevice& device, std::uint64_t number)
@@ -245,7 +267,6 @@ bool CaptureSession::hasMic()
 std::string CaptureSession::refusal()
 {
     return m_sessionQueue.sync([this] {
-        expectPictures();
         const std::string camera = m_camera.refusal();
         return camera.empty() ? m_microphone.refusal() : camera;
     });
@@ -289,9 +310,9 @@ QFuture<bool> CaptureSession::setOnDevices(std::function<void(const MediaDeviceL
     });
 }
 
-void CaptureSession::setOnStatus(std::function<void(const std::string&)> handler)
+void CaptureSession::setOnTrouble(TroubleHandler handler)
 {
-    m_sessionQueue.post([this, handler = std::move(handler)] { m_onStatus = handler; });
+    m_sessionQueue.post([this, handler = std::move(handler)] { m_onTrouble = handler; });
 }
 
 } // namespace vantry

@@ -2,6 +2,7 @@
 
 #include "base/Worker.h"
 #include "capture/CameraPreview.h"
+#include "capture/CaptureTrouble.h"
 #include "capture/DeviceSlot.h"
 #include "capture/PowerMeter.h"
 #include "capture/Reminder.h"
@@ -68,17 +69,19 @@ public:
     /// media server, and says which.
     QFuture<bool> setOnDevices(std::function<void(const MediaDeviceList&)> handler);
 
-    /// Called on the session queue with what the user should know: a device is gone, or back, or cannot be used.
-    void setOnStatus(std::function<void(const std::string& text)> handler);
+    /// Called on the session queue with what the user should know: a device is gone or cannot be used, or all is well again.
+    void setOnTrouble(TroubleHandler handler);
 
 private:
     void connect();
     void disconnect(const std::string& reason);
     void setDevices(const MediaDeviceList& list);
     void update();
-    void expectPictures();
-    void tell(const std::string& text);
+    void setServerTrouble(const std::optional<std::string>& trouble);
+    void tell(CaptureSource source, const std::optional<std::string>& trouble);
 
+    DeviceSlot::Actions actionsFor(CaptureSource source);
+    HostTime latestPicture() const;
     DeviceSlot::Stream openCamera(const MediaDevice& device, std::uint64_t number);
     DeviceSlot::Stream openMicrophone(const MediaDevice& device, std::uint64_t number);
     void setMode(const std::optional<CameraMode>& mode);
@@ -106,10 +109,10 @@ private:
 
     // Belong to the session queue.
     std::function<void(const MediaDeviceList&)> m_onDevices;
-    std::function<void(const std::string&)> m_onStatus;
+    TroubleHandler m_onTrouble;
     bool m_isRunning = false;
     bool m_isClosing = false;
-    bool m_hasToldOfServer = false;
+    std::optional<std::string> m_serverTrouble;
     std::unique_ptr<PipeWireLoop> m_loop;
     std::unique_ptr<MediaDevices> m_devices;
     std::optional<std::string> m_wantedCamera;

@@ -9,7 +9,6 @@
 namespace vantry {
 
 using namespace std::chrono_literals;
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -31,12 +30,12 @@ Recorder::~Recorder()
     });
 }
 
-void Recorder::setOnStatus(StatusHandler handler)
+void Recorder::setOnTrouble(TroubleHandler handler)
 {
-    m_onStatus = handler;
-    m_session.setOnStatus([this, handler = std::move(handler)](const std::string& text) {
+    m_onTrouble = handler;
+    m_session.setOnTrouble([this, handler = std::move(handler)](CaptureSource source, const std::optional<std::string>& trouble) {
         if (handler)
-            m_captureQueue.post([handler, text] { handler(QString::fromStdString(text)); });
+            m_captureQueue.post([handler, source, trouble] { handler(source, trouble); });
     });
 }
 
@@ -59,6 +58,7 @@ QFuture<void> Recorder::stopScreen()
         m_captureQueue.sync([this] {
             m_latestScreen.reset();
             m_latestSystemSound.reset();
+            onSystemSound({});
         });
     });
 }
@@ -94,6 +94,7 @@ void Recorder::openSystemSound()
     };
     try {
         m_systemSound = std::make_unique<SystemSoundSource>(m_captureQueue, handlers);
+        m_captureQueue.post([this] { onSystemSound({}); });
     } catch (const AppError& error) {
         m_captureQueue.post([this, error] { onSystemSound(error); });
     }
@@ -101,11 +102,14 @@ void Recorder::openSystemSound()
 
 void Recorder::onSystemSound(const std::optional<AppError>& problem)
 {
-    const QString text = problem ? u"Other applications' sound is not recorded: "_s + QString::fromUtf8(problem->what())
-                                 : u"Other applications' sound is recorded again."_s;
-    qCInfo(logCapture) << text;
-    if (m_onStatus)
-        m_onStatus(text);
+    std::optional<std::string> trouble;
+    if (problem)
+        trouble = std::string("Other applications' sound is not recorded: ") + problem->what();
+    if (std::exchange(m_systemTrouble, trouble) == trouble)
+        return;
+    qCInfo(logCapture, "%s", trouble.value_or("other applications' sound is well").c_str());
+    if (m_onTrouble)
+        m_onTrouble(CaptureSource::SystemSound, trouble);
 }
 
 void Recorder::awaitFirstFrame()

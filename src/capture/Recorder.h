@@ -24,7 +24,6 @@ namespace vantry {
 class Recorder {
 public:
     using StreamErrorHandler = std::function<void(const QString& description)>;
-    using StatusHandler = std::function<void(const QString& text)>;
     using ClipProblemHandler = std::function<void(const QString& text)>;
     using ClipHandler = std::function<void(const ClipOutcome& outcome)>;
 
@@ -36,7 +35,7 @@ public:
 
     /// Called on the capture queue with what the user should know of camera, microphone and other programs' sound. To be set before
     /// the first start.
-    void setOnStatus(StatusHandler handler);
+    void setOnTrouble(TroubleHandler handler);
 
     /// Called on a thread of the clip's writer when the clip had better end now, with why. To be set before the first clip.
     void setOnClipProblem(ClipProblemHandler handler) { m_onClipProblem = std::move(handler); }
@@ -88,7 +87,7 @@ private:
     void onFinished(const ClipOutcome& outcome);
 
     StreamErrorHandler m_onStreamError;
-    StatusHandler m_onStatus;
+    TroubleHandler m_onTrouble;
     ClipProblemHandler m_onClipProblem;
     ClipHandler m_onClip;
     bool m_captureSystemAudio = false; ///< Belongs to the main thread.
@@ -107,6 +106,7 @@ private:
     std::optional<SoundSample> m_latestSystemSound;
     std::optional<std::promise<void>> m_firstFrame;
     PictureSize m_screenSize;
+    std::optional<std::string> m_systemTrouble;
     bool m_systemAudio = false; ///< The running stream comes with other programs' sound.
 
     // The screen's jobs wait for the capture queue, never the other way round.

@@ -51,10 +51,12 @@ CaptureDevices::CaptureDevices(AppModel& model, Recorder& recorder)
     : m_model(model)
     , m_recorder(recorder)
     , m_mirror(recorder.session().preview())
+    , m_sourceNotices(model, recorder)
     , m_microphoneNotice(model.notices())
 {
     m_meter.setInterval(meterInterval);
     connect(&m_meter, &QTimer::timeout, this, &CaptureDevices::measure);
+    connect(&m_model, &AppModel::phaseChanged, this, &CaptureDevices::tellOfMicrophone);
     connect(m_model.settings(), &Settings::cameraIDChanged, this, &CaptureDevices::reconfigure);
     connect(m_model.settings(), &Settings::micIDChanged, this, &CaptureDevices::reconfigure);
 }
@@ -116,6 +118,17 @@ void CaptureDevices::take(const MediaDeviceList& devices)
     if (isFirst ? !contains(devices.microphones, settings.micID()) : settings.micID().isEmpty())
         settings.setMicID(QString::fromStdString(devices.defaultMicrophone.value_or(std::string())));
     reconfigure();
+    if (m_model.phase().isCountdown())
+        tellOfMicrophone();
+}
+
+/// While a clip is recorded it stays as it was when that began, and so does what is said of it.
+void CaptureDevices::tellOfMicrophone()
+{
+    if (m_model.phase().isCountdown())
+        m_microphoneNotice.warn(microphoneTrouble().value_or(QString()));
+    else if (m_model.isIdle())
+        m_microphoneNotice.clear();
 }
 
 void CaptureDevices::startCamera()
@@ -166,7 +179,7 @@ std::optional<QString> CaptureDevices::microphoneTrouble() const
 /// A clip keeps the devices that it was begun with: one that vanishes leaves a gap until it is back.
 void CaptureDevices::reconfigure()
 {
-    if (m_isRunning && m_model.isIdle())
+    if (m_isRunning && (m_model.isIdle() || m_model.phase().isCountdown()))
         configure();
 }
 

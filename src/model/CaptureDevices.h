@@ -2,6 +2,7 @@
 
 #include "model/CameraMirror.h"
 #include "model/Notices.h"
+#include "model/SourceNotices.h"
 #include "platform/Displays.h"
 #include "platform/MediaDevices.h"
 
@@ -74,11 +75,13 @@ private:
     const MediaDevice* microphone() const;
     void configure();
     void reconfigure();
+    void tellOfMicrophone();
     void measure();
 
     AppModel& m_model;
     Recorder& m_recorder;
     CameraMirror m_mirror;
+    SourceNotices m_sourceNotices;
     Notice m_microphoneNotice;
     QTimer m_meter;
     std::vector<Display> m_displays;

@@ -39,7 +39,6 @@ RecordingFlow::RecordingFlow(AppModel& model, Recorder& recorder, CaptureDevices
     , m_recorder(recorder)
     , m_devices(devices)
     , m_salvage(salvage)
-    , m_sourcesNotice(model.notices())
 {
     m_clock.setInterval(clockInterval);
     connect(&m_clock, &QTimer::timeout, this, &RecordingFlow::tick);
@@ -63,14 +62,6 @@ void RecordingFlow::listenToRecorder()
     m_recorder.setOnStreamError(
         onMainThread([](RecordingFlow& flow, const QString& description) { flow.onStreamError(description); }));
     m_recorder.setOnClipProblem(onMainThread([](RecordingFlow& flow, const QString& text) { flow.onClipProblem(text); }));
-    m_recorder.setOnStatus(onMainThread([](RecordingFlow& flow, const QString& text) { flow.tell(text); }));
-}
-
-/// What is not recorded is told while the presenter is counted in, all of it.
-void RecordingFlow::tell(const QString& status)
-{
-    const QString before = m_sourcesNotice.text();
-    m_sourcesNotice.warn(m_model.phase().isCountdown() && !before.isEmpty() ? before + u' ' + status : status);
 }
 
 void RecordingFlow::onStreamError(const QString& description)
@@ -137,8 +128,7 @@ QCoro::Task<> RecordingFlow::startClip(std::optional<double> cutAt)
     if (!canKeepClip())
         co_return;
     m_startCancelled = false;
-    m_sourcesNotice.warn(m_devices.microphoneTrouble().value_or(QString())); // Notice and alert told of the time before.
-    m_model.setAlert(std::nullopt);
+    m_model.setAlert(std::nullopt); // It told of the time before.
     m_model.setPhase(Phase::countdown(countdownFrom));
 
     std::optional<QString> failure;
@@ -153,7 +143,6 @@ QCoro::Task<> RecordingFlow::startClip(std::optional<double> cutAt)
     co_await m_recorder.stopScreen();
     if (!self)
         co_return;
-    m_sourcesNotice.clear();
     goBackTo(before);
     if (failure)
         report(startFailed + *failure);
@@ -293,10 +282,8 @@ QCoro::Task<> RecordingFlow::finishClip()
         m_model.addClip(Rebuild::No, *m_currentFile, *duration);
     m_currentFile.reset();
     co_await m_recorder.stopScreen();
-    if (!self)
-        co_return;
-    m_devices.stopCamera();
-    m_sourcesNotice.clear();
+    if (self)
+        m_devices.stopCamera();
 }
 
 void RecordingFlow::rescueClip()

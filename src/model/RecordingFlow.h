@@ -1,6 +1,5 @@
 #pragma once
 
-#include "model/Notices.h"
 #include "model/Phase.h"
 
 #include <QCoroTask>
@@ -65,7 +64,6 @@ private:
     double keptLength() const;
     void tick();
     void listenToRecorder();
-    void tell(const QString& status);
     void onStreamError(const QString& description);
     void onClipProblem(const QString& text);
     void report(const QString& failure);
@@ -75,7 +73,6 @@ private:
     CaptureDevices& m_devices;
     SalvageFlow& m_salvage;
     QTimer m_clock;
-    Notice m_sourcesNotice; ///< What is not recorded.
     std::optional<std::string> m_currentFile;
     QString m_clipProblem; ///< Why it had to end, if it had to.
     std::optional<QFuture<std::optional<double>>> m_ending; ///< Of the current file.

@@ -4,6 +4,7 @@
 #include "support/Collected.h"
 #include "support/DeviceProgram.h"
 #include "support/MediaServer.h"
+#include "support/Troubles.h"
 
 #include <gmock/gmock.h>
 
@@ -18,15 +19,13 @@ namespace {
 using test::DeviceProgram;
 using test::pumpUntil;
 using test::uniqueName;
-using testing::Contains;
-using testing::HasSubstr;
 using namespace std::chrono_literals;
 
 class CaptureSessionTest : public test::EventLoopTest {
 protected:
     CaptureSessionTest()
     {
-        session.setOnStatus([this](const std::string& text) { statuses.add(text); });
+        session.setOnTrouble(troubles.handler());
         session.preview().setOnChange([this] { interruptions += !session.preview().latest(); });
     }
 
@@ -34,6 +33,14 @@ protected:
     {
         const auto wanted = pictures.count() + more;
         return pumpUntil([&] { return pictures.count() >= wanted; });
+    }
+    bool awaitTrouble(CaptureSource source, const std::string& part)
+    {
+        return pumpUntil([&] { return troubles.of(source).find(part) != std::string::npos; });
+    }
+    bool awaitNoTrouble(CaptureSource source)
+    {
+        return pumpUntil([&] { return troubles.of(source).empty(); });
     }
     bool awaitCamera(const std::string& name)
     {
@@ -43,7 +50,7 @@ protected:
 
     test::Collected<PictureSample> pictures;
     test::Collected<SoundSample> sounds;
-    test::Collected<std::string> statuses;
+    test::Troubles troubles;
     std::atomic<int> interruptions = 0; ///< How often the preview became empty.
     Worker queue{ "vantry.capture" };
     CaptureSession session{ queue,
@@ -124,7 +131,7 @@ TEST_F(CaptureSessionTest, choosingTheSameDevicesAgainDisturbsNothing)
     EXPECT_FALSE(session.preview().latest());
     EXPECT_EQ(session.micPower(), PowerMeter::silence);
     EXPECT_EQ(interruptions, 1);
-    EXPECT_THAT(statuses.all(), testing::IsEmpty());
+    EXPECT_EQ(troubles.count(), 0);
 }
 
 TEST_F(CaptureSessionTest, goesOnWithACameraThatWasAway)
@@ -138,11 +145,10 @@ TEST_F(CaptureSessionTest, goesOnWithACameraThatWasAway)
     EXPECT_TRUE(pumpUntil([&] { return sounds.count() > 3; }));
     std::optional<DeviceProgram> program(std::in_place, "testcamera", arguments);
     ASSERT_TRUE(awaitPictures(3));
-    EXPECT_THAT(statuses.all(), testing::IsEmpty());
+    EXPECT_EQ(troubles.count(), 0);
 
     program.reset();
-    EXPECT_TRUE(pumpUntil([&] { return statuses.count() == 1; }));
-    EXPECT_THAT(statuses.all(), Contains(HasSubstr("Desk camera is gone")));
+    EXPECT_TRUE(awaitTrouble(CaptureSource::Camera, "Desk camera is gone. Everything else goes on"));
     EXPECT_TRUE(pumpUntil([&] { return !session.preview().latest(); }));
     // A clip that begins now still has room for it, and the microphone did not notice.
     EXPECT_EQ(session.cameraSize(), (PictureSize{ 1920, 1080 }));
@@ -151,7 +157,7 @@ TEST_F(CaptureSessionTest, goesOnWithACameraThatWasAway)
 
     program.emplace("testcamera", arguments);
     EXPECT_TRUE(awaitPictures(3));
-    EXPECT_THAT(statuses.all(), Contains("Desk camera is back."));
+    EXPECT_EQ(troubles.of(CaptureSource::Camera), "");
     EXPECT_TRUE(session.preview().latest());
 }
 
@@ -164,13 +170,37 @@ TEST_F(CaptureSessionTest, opensACameraAgainThatFellSilent)
     session.startCamera();
     ASSERT_TRUE(awaitPictures(3));
     program.freeze();
-    EXPECT_TRUE(pumpUntil([&] { return !session.preview().latest(); }));
+    EXPECT_TRUE(awaitTrouble(CaptureSource::Camera, "Desk camera: The camera sends no pictures"));
+    EXPECT_FALSE(session.preview().latest());
     EXPECT_TRUE(pumpUntil([&] { return !session.hasCamera(); }));
+    EXPECT_EQ(session.refusal(), troubles.of(CaptureSource::Camera));
     program.thaw();
     EXPECT_TRUE(awaitPictures(1));
     EXPECT_TRUE(session.hasCamera());
-    EXPECT_TRUE(awaitPictures(2));
+    EXPECT_TRUE(awaitNoTrouble(CaptureSource::Camera));
     EXPECT_THAT(session.refusal(), testing::IsEmpty());
+}
+
+TEST_F(CaptureSessionTest, aMicrophoneThatFallsSilentIsToldUntilItIsHeardAgain)
+{
+    const auto name = uniqueName("microphone");
+    DeviceProgram program("testmicrophone", { name, "Desk microphone" });
+    session.configure({}, name);
+    session.startCamera();
+    ASSERT_TRUE(pumpUntil([&] { return session.micPower() > -16; }));
+    EXPECT_EQ(troubles.count(), 0);
+    program.freeze();
+    EXPECT_TRUE(pumpUntil([&] { return session.micPower() < -60; })) << "what does not come cannot be loud";
+    EXPECT_EQ(troubles.count(), 0);
+    EXPECT_TRUE(awaitTrouble(CaptureSource::Microphone, "Desk microphone: no sound comes from it."));
+    // Also when it was opened again to no avail.
+    const auto told = HostClock::now();
+    EXPECT_TRUE(pumpUntil([&] { return HostClock::now() > told + 3s; }));
+    EXPECT_EQ(troubles.count(), 1);
+    program.thaw();
+    EXPECT_TRUE(awaitNoTrouble(CaptureSource::Microphone));
+    EXPECT_GT(session.micPower(), -60);
+    EXPECT_EQ(troubles.count(), 2);
 }
 
 TEST_F(CaptureSessionTest, findsTheMediaServerWhenItComesAndWhenItIsBack)
@@ -179,23 +209,24 @@ TEST_F(CaptureSessionTest, findsTheMediaServerWhenItComesAndWhenItIsBack)
     server->kill();
     std::atomic<int> lists = 0;
     session.setOnDevices([&](const MediaDeviceList&) { ++lists; });
-    EXPECT_TRUE(pumpUntil([&] { return statuses.count() == 1; }));
-    EXPECT_THAT(statuses.all()[0], HasSubstr("There is no PipeWire server"));
+    EXPECT_TRUE(awaitTrouble(CaptureSource::MediaServer, "There is no PipeWire server"));
     EXPECT_FALSE(session.cameraSize());
     EXPECT_FALSE(session.hasMic());
 
     server->start();
     EXPECT_TRUE(pumpUntil([&] { return lists == 1; }));
+    EXPECT_EQ(troubles.of(CaptureSource::MediaServer), "");
     const DeviceProgram camera("testcamera", { "lonely-camera" });
     EXPECT_TRUE(pumpUntil([&] { return session.devices().hasCamera("lonely-camera"); }));
     server->kill();
-    EXPECT_TRUE(pumpUntil([&] { return statuses.count() == 2; }));
-    EXPECT_THAT(statuses.all()[1], HasSubstr("lost"));
+    EXPECT_TRUE(awaitTrouble(CaptureSource::MediaServer, "lost"));
     EXPECT_TRUE(session.devices().cameras.empty());
     server->start();
     EXPECT_TRUE(pumpUntil([&] { return lists >= 4; }));
     session.setOnDevices({});
     EXPECT_FALSE(session.hasMic());
+    EXPECT_EQ(troubles.of(CaptureSource::MediaServer), "");
+    EXPECT_EQ(troubles.count(), 4) << "each change is told once";
 }
 
 } // namespace vantry

@@ -6,6 +6,7 @@
 #include "support/MediaServer.h"
 #include "support/MovieProbe.h"
 #include "support/TonePlayer.h"
+#include "support/Troubles.h"
 #include "support/XServer.h"
 
 #include <gmock/gmock.h>
@@ -25,10 +26,7 @@ using testing::IsEmpty;
 
 class RecorderTest : public test::EventLoopTest {
 protected:
-    RecorderTest()
-    {
-        recorder.setOnStatus([this](const QString& text) { statuses.add(text.toStdString()); });
-    }
+    RecorderTest() { recorder.setOnTrouble(troubles.handler()); }
 
     void start(const std::optional<std::string>& camera, const std::optional<std::string>& microphone)
     {
@@ -63,7 +61,7 @@ protected:
     test::XServer server{ 320, 240 };
     test::TemporaryFolder folder;
     const std::filesystem::path file = folder / "clip.mov";
-    test::Collected<std::string> statuses;
+    test::Troubles troubles;
     Recorder recorder;
 };
 
@@ -147,7 +145,7 @@ TEST_F(RecorderTest, systemSoundIsATrackOfItsOwnWithoutHoles)
     EXPECT_NEAR(test::loudness(second, 2, 0, 700), TonePlayer::amplitude, 0.03);
     EXPECT_NEAR(test::loudness(second, 2, 1, 1100), TonePlayer::amplitude, 0.03);
     EXPECT_LT(test::loudness(second, 2, 0, 1100), 0.01);
-    EXPECT_THAT(statuses.all(), IsEmpty());
+    EXPECT_EQ(troubles.count(), 0);
 
     stop();
     start({}, {});
@@ -171,9 +169,10 @@ TEST_F(RecorderTest, whereThereIsNoMediaServerTheScreenIsRecordedAlone)
     EXPECT_THAT(test::probeStream(file, "v:0"), testing::Not(IsEmpty()));
     EXPECT_THAT(test::probeStream(file, "v:1"), IsEmpty());
     EXPECT_THAT(test::probeStream(file, "a:0"), IsEmpty());
-    EXPECT_THAT(statuses.all(),
-        testing::Contains(
-            testing::StartsWith("Other applications' sound is not recorded: There is no PipeWire server to connect to: ")));
+    EXPECT_THAT(troubles.of(CaptureSource::SystemSound),
+        testing::StartsWith("Other applications' sound is not recorded: There is no PipeWire server to connect to: "));
+    stop();
+    EXPECT_EQ(troubles.of(CaptureSource::SystemSound), "") << "it is not wanted any more";
 }
 
 } // namespace vantry

@@ -48,7 +48,7 @@ protected:
     const std::string m_microphoneName = test::uniqueName("microphone");
     const test::XServer m_screen{ 640, 360 };
     const test::DeviceProgram m_camera{ "testcamera", { m_cameraName, "Flashes", "YUY2", "640x360", "seconds" } };
-    const test::DeviceProgram m_microphone{ "testmicrophone", { m_microphoneName, "Clicks", "clicks" } };
+    test::DeviceProgram m_microphone{ "testmicrophone", { m_microphoneName, "Clicks", "clicks" } };
 };
 
 } // namespace
@@ -79,6 +79,19 @@ TEST_F(SourcesTest, whatHappensTogetherStaysTogether)
     const auto exported = test::clicksAfterFlashes(m_folder / "video.mp4", "v:0", 2);
     ASSERT_GE(exported.size(), 3u);
     EXPECT_THAT(exported, testing::Each(testing::DoubleNear(-frame / 2, frame / 2 + 0.005)));
+}
+
+TEST_F(SourcesTest, aMicrophoneThatFallsSilentIsSeenAndToldWhileRecording)
+{
+    choose();
+    m_model.record();
+    ASSERT_TRUE(pumpUntil([&] { return m_model.phase() == Phase::recording(); })) << alert();
+    EXPECT_EQ(m_model.status(), std::nullopt);
+    m_microphone.freeze();
+    ASSERT_TRUE(pumpUntil([&] { return m_model.status().has_value(); }));
+    EXPECT_THAT(m_model.status()->toStdString(), testing::StartsWith("Clicks: no sound comes from it."));
+    m_microphone.thaw();
+    EXPECT_TRUE(pumpUntil([&] { return !m_model.status(); }));
 }
 
 TEST_F(SourcesTest, aRefusedCameraIsToldBeforeTheCountdownAndOnlyOnce)
