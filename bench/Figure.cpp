@@ -22,9 +22,10 @@ void report(std::string_view name, double value, std::string_view unit)
     std::fflush(stdout);
 }
 
-FigureGroup::FigureGroup(std::string name, Measure measure)
+FigureGroup::FigureGroup(std::string name, Measure measure, When when)
     : m_name(std::move(name))
     , m_measure(measure)
+    , m_when(when)
 {
     registered().push_back(*this);
 }

@@ -21,9 +21,13 @@ class FigureGroup {
 public:
     using Measure = void (*)();
 
-    FigureGroup(std::string name, Measure measure);
+    /// Whether it is measured with all others, or only when it is named: it takes long.
+    enum class When { Always, Named };
+
+    FigureGroup(std::string name, Measure measure, When when = When::Always);
 
     const std::string& name() const { return m_name; }
+    When when() const { return m_when; }
     void measure() const { m_measure(); }
 
     /// Every registered group, by name.
@@ -32,6 +36,7 @@ public:
 private:
     std::string m_name;
     Measure m_measure;
+    When m_when;
 };
 
 } // namespace vantry::bench

@@ -191,8 +191,8 @@ QFuture<std::optional<double>> Recorder::endClip()
 /// On a thread of the writer, which therefore cannot be destroyed here.
 void Recorder::onFinished(const ClipOutcome& outcome)
 {
-    const TrackCounts& screen = outcome.counts[static_cast<std::size_t>(TrackKind::screen)];
-    qCInfo(logCapture) << "clip with" << screen.appended << "screen pictures," << screen.dropped << "dropped";
+    for (std::size_t i = 0; i < outcome.counts.size(); ++i)
+        qCInfo(logCapture) << "clip track" << i << "took" << outcome.counts[i].appended << "dropped" << outcome.counts[i].dropped;
     if (!outcome.duration)
         qCWarning(logCapture) << "clip not completed:" << outcome.problem.c_str();
     if (m_onClip)

@@ -1,0 +1,132 @@
+#include "Figure.h"
+#include "RecordScene.h"
+
+#include "media/MediaTime.h"
+#include "project/ProjectFile.h"
+#include "support/Command.h"
+#include "support/FlashAndClick.h"
+#include "support/MovieProbe.h"
+#include "support/TemporaryFolder.h"
+#include "support/XServer.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <fstream>
+#include <stdexcept>
+#include <thread>
+
+namespace vantry::bench {
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+
+constexpr int minutes = 60;
+constexpr int framesPerMinute = 60 * framesPerSecond;
+
+/// The whole program, which records a screen on which somebody types, a camera that flashes, a microphone that clicks at the same
+/// moments, and another program's tone.
+class HourBench {
+public:
+    HourBench();
+    void measure();
+
+private:
+    double privateMegabytes() const;
+    void reportMemory(int minute);
+    void reportSync(const std::string& figure, int second);
+    void reportMissed(const std::string& figure, const std::string& stream);
+
+    const test::TemporaryFolder m_home;
+    const test::XServer m_screen{ 1280, 720 };
+    const RecordScene m_scene{ RecordScene::Flashes::WholeSeconds };
+    const ClickMicrophone m_microphone;
+    std::unique_ptr<test::Program> m_program;
+    std::chrono::steady_clock::time_point m_start;
+    fs::path m_clip;
+};
+
+HourBench::HourBench()
+{
+    fs::create_directories(m_home / "config/vantry");
+    std::ofstream(m_home / "config/vantry/settings.ini")
+        << "[General]\ncameraID=" << m_scene.camera() << "\nmicID=" << m_microphone.name() << "\nlayout=bubble\n";
+    const std::string home = m_home.path().string();
+    m_program = std::make_unique<test::Program>(std::vector<std::string>{ "env", "HOME=" + home,
+        "XDG_CONFIG_HOME=" + home + "/config", "XDG_DATA_HOME=" + home + "/data", "XDG_VIDEOS_DIR=" + home + "/Videos",
+        "QT_LOGGING_RULES=vantry.capture.info=true", VANTRY_PROGRAM, "--autorecord", std::to_string(60 * minutes + 1) });
+    m_start = std::chrono::steady_clock::now();
+}
+
+/// What is the program's alone.
+double HourBench::privateMegabytes() const
+{
+    std::ifstream rollup("/proc/" + std::to_string(m_program->pid()) + "/smaps_rollup");
+    double kilobytes = 0;
+    for (std::string line; std::getline(rollup, line);)
+        if (line.starts_with("Private_"))
+            kilobytes += std::stod(line.substr(line.find(':') + 1));
+    return kilobytes / 1024;
+}
+
+void HourBench::reportMemory(int minute)
+{
+    std::this_thread::sleep_until(m_start + std::chrono::minutes(minute));
+    report("hour.memory_" + std::to_string(minute) + "_mb", privateMegabytes(), "MB");
+}
+
+/// Over a minute: the mean, and how far the flash and the click are apart that are furthest.
+void HourBench::reportSync(const std::string& figure, int second)
+{
+    const auto part = m_home / "part.mov";
+    test::runCommand("ffmpeg -nostdin -y -loglevel error -ss " + std::to_string(second) + " -t 60 -i " + m_clip.string()
+        + " -map v:1 -map a:0 -c:v libx264 -preset ultrafast -fps_mode passthrough -c:a pcm_s16le " + part.string());
+    const auto offsets = test::clicksAfterFlashes(part, "v:0", 1);
+    if (offsets.size() < 50)
+        throw std::runtime_error("Only " + std::to_string(offsets.size()) + " flashes with a click");
+    double sum = 0, furthest = 0;
+    for (const double offset : offsets) {
+        sum += offset;
+        furthest = std::max(furthest, std::abs(offset));
+    }
+    report("hour.sync_" + figure + "_ms", 1000 * sum / static_cast<double>(offsets.size()), "ms");
+    report("hour.sync_" + figure + "_most_ms", 1000 * furthest, "ms");
+}
+
+void HourBench::reportMissed(const std::string& figure, const std::string& stream)
+{
+    const double count = std::stod(test::probeStream(m_clip, stream).at("nb_frames"));
+    report("hour.missed_" + figure + "_pct", 100 * (1 - count / (minutes * framesPerMinute)), "%");
+}
+
+void HourBench::measure()
+{
+    reportMemory(1);
+    reportMemory(5);
+    for (int minute = 10; minute <= minutes; minute += 10)
+        reportMemory(minute);
+    const auto project = fs::directory_iterator(m_home / "Videos/Vantry")->path();
+    const auto deadline = m_start + std::chrono::minutes(minutes + 5);
+    while (!fs::exists(project / projectFileName) || loadProject(project).clips.empty()) {
+        if (std::chrono::steady_clock::now() > deadline)
+            throw std::runtime_error("The recording did not end");
+        std::this_thread::sleep_for(500ms);
+    }
+    const Clip clip = loadProject(project).clips.front();
+    m_clip = project / clip.file;
+    report("hour.clip_s", clip.duration, "s");
+    reportMissed("screen", "v:0");
+    reportMissed("camera", "v:1");
+    reportSync("begin", 1);
+    reportSync("middle", 60 * minutes / 2);
+    reportSync("end", 60 * minutes - 62);
+}
+
+const FigureGroup group(
+    "hour", [] { HourBench().measure(); }, FigureGroup::When::Named);
+
+} // namespace
+
+} // namespace vantry::bench
