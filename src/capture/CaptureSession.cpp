@@ -1,6 +1,5 @@
 #include "capture/CaptureSession.h"
 
-#include "base/Background.h"
 #include "capture/CameraPictures.h"
 #include "platform/CameraStream.h"
 #include "platform/MicrophoneStream.h"
@@ -13,7 +12,6 @@ namespace {
 
 constexpr int mostWaitingPictures = 4;
 constexpr HostDuration longestModeWait = 1s;
-constexpr HostDuration reconnectWait = 1s;
 constexpr PictureSize fullHd{ 1920, 1080 };
 
 DeviceSlot::Options cameraOptions()
@@ -54,9 +52,10 @@ struct OpenCamera {
 CaptureSession::CaptureSession(Worker& captureQueue, Sinks sinks)
     : m_captureQueue(captureQueue)
     , m_sinks(std::move(sinks))
+    , m_connection({ .onNews = [this] { post([] {}); }, .retryIn = [this](HostDuration delay) { m_reminder.remindIn(delay); } })
     , m_camera(cameraOptions(), actionsFor(CaptureSource::Camera))
     , m_microphone(microphoneOptions(), actionsFor(CaptureSource::Microphone))
-    , m_reminder([this] { m_sessionQueue.post([this] { connect(); }); })
+    , m_reminder([this] { post([] {}); })
 {
 }
 
@@ -64,13 +63,14 @@ CaptureSession::~CaptureSession()
 {
     m_reminder.stop();
     m_sessionQueue.sync([this] {
-        m_isClosing = true;
         m_onDevices = {};
         m_onTrouble = {};
         m_isRunning = false;
-        update();
-        m_devices.reset();
-        m_loop.reset();
+        m_isClosing = true;
+        updateSlots({});
+        m_connection.close();
+        answer();
+        settle();
     });
     m_captureQueue.sync([] {}); // What the devices posted has run.
 }
@@ -87,99 +87,108 @@ DeviceSlot::Actions CaptureSession::actionsFor(CaptureSource source)
     };
 }
 
+/// What has changed is carried out, on the session queue.
+void CaptureSession::post(std::function<void()> change)
+{
+    m_sessionQueue.post([this, change = std::move(change)] {
+        if (m_isClosing)
+            return;
+        change();
+        update();
+    });
+}
+
 void CaptureSession::configure(const std::optional<std::string>& camera, const std::optional<std::string>& microphone)
 {
     m_isCameraChosen = camera.has_value();
-    m_sessionQueue.post([this, camera, microphone] {
+    post([this, camera, microphone] {
         m_camera.want(camera);
         m_microphone.want(microphone);
-        if (camera != m_wantedCamera)
+        if (std::exchange(m_wantedCamera, camera) != camera)
             setMode({});
-        m_wantedCamera = camera;
-        connect();
     });
 }
 
 void CaptureSession::startCamera()
 {
-    m_sessionQueue.post([this] {
-        m_isRunning = true;
-        connect();
-    });
+    post([this] { m_isRunning = true; });
 }
 
 void CaptureSession::stopCamera()
 {
-    m_sessionQueue.post([this] {
-        m_isRunning = false;
-        update();
-    });
-}
-
-/// Also brings everything up to date.
-void CaptureSession::connect()
-{
-    if (m_isClosing)
-        return;
-    if (m_loop)
-        return update();
-    try {
-        m_loop = std::make_unique<PipeWireLoop>("vantry.media", [this](const AppError& error) {
-            m_sessionQueue.post([this, reason = std::string(error.what())] { disconnect(reason); });
-        });
-    } catch (const AppError& error) {
-        if (!m_serverTrouble)
-            setServerTrouble(std::string(error.what()) + ". Start PipeWire to record camera and microphone.");
-        return m_reminder.remindIn(reconnectWait);
-    }
-    setServerTrouble({});
-    m_devices = std::make_unique<MediaDevices>(*m_loop, [this](const MediaDeviceList&) {
-        m_sessionQueue.post([this] {
-            if (m_devices)
-                setDevices(m_devices->list());
-        });
-    });
-    setDevices(m_devices->list());
-}
-
-void CaptureSession::disconnect(const std::string& reason)
-{
-    if (m_isClosing)
-        return;
-    setDevices({});
-    m_devices.reset();
-    m_loop.reset();
-    setServerTrouble(reason);
-    m_reminder.remindIn(reconnectWait);
-}
-
-void CaptureSession::setServerTrouble(const std::optional<std::string>& trouble)
-{
-    if (std::exchange(m_serverTrouble, trouble) != trouble)
-        tell(CaptureSource::MediaServer, trouble);
-}
-
-void CaptureSession::setDevices(const MediaDeviceList& list)
-{
-    {
-        const std::lock_guard guard(m_mutex);
-        m_list = list;
-    }
-    if (m_onDevices)
-        m_onDevices(list);
-    update();
+    post([this] { m_isRunning = false; });
 }
 
 void CaptureSession::update()
 {
-    const auto list = devices();
+    if (m_connection.isLost()) {
+        updateSlots({});
+        m_connection.close();
+    }
+    m_connection.update(m_isRunning || !m_listing.empty());
+    if (std::exchange(m_toldServerTrouble, m_connection.trouble()) != m_connection.trouble())
+        tell(CaptureSource::MediaServer, m_connection.trouble());
+    takeDevices();
+    answer();
+    settle();
+}
+
+void CaptureSession::takeDevices()
+{
+    const auto known = m_connection.devices();
+    const MediaDeviceList list = known.value_or(MediaDeviceList());
+    updateSlots(list);
+    note(list);
+    // What is not known yet is no news, what is not known any more is.
+    if (!m_onDevices || m_toldDevices == list || !(known || m_toldDevices))
+        return;
+    m_toldDevices = list;
+    m_onDevices(list);
+}
+
+void CaptureSession::updateSlots(const MediaDeviceList& list)
+{
     m_camera.update(list.cameras, m_isRunning);
-    m_isCameraRefused = !m_camera.refusal().empty();
     m_microphone.update(list.microphones, m_isRunning);
     if (!m_camera.isOpen() && m_preview.latest())
         m_preview.set({});
     if (!m_microphone.isOpen())
         m_meter.reset();
+}
+
+void CaptureSession::note(const MediaDeviceList& list)
+{
+    const std::string camera = m_camera.refusal();
+    m_isCameraRefused = !camera.empty();
+    const std::lock_guard guard(m_mutex);
+    m_known.devices = list;
+    m_known.hasCamera = m_camera.isTaken();
+    m_known.hasMicrophone = m_microphone.isTaken();
+    m_known.refusal = camera.empty() ? m_microphone.refusal() : camera;
+}
+
+/// Those who wait for the list.
+void CaptureSession::answer()
+{
+    const bool isKnown = m_connection.devices().has_value();
+    if (!isKnown && !m_connection.trouble() && !m_isClosing)
+        return;
+    for (const auto& promise : std::exchange(m_listing, {})) {
+        promise->addResult(isKnown);
+        promise->finish();
+    }
+}
+
+/// Those who wait until what was begun is done.
+void CaptureSession::settle()
+{
+    const bool isOpening = m_connection.devices() ? m_camera.isOpen() && !mode() : !m_connection.trouble();
+    std::erase_if(m_settling, [&, now = HostClock::now()](const Settling& settling) {
+        if (isOpening && now < settling.latest && !m_isClosing)
+            return false;
+        settling.promise->finish();
+        return true;
+    });
 }
 
 void CaptureSession::tell(CaptureSource source, const std::optional<std::string>& trouble)
@@ -197,50 +206,38 @@ HostTime CaptureSession::latestPicture() const
 DeviceSlot::Stream CaptureSession::openCamera(const MediaDevice& device, std::uint64_t number)
 {
     return std::make_shared<OpenCamera>(
-        *m_loop, device.id, [this](const PictureSample& sample) { onPicture(sample); },
+        m_connection.loop(), device.id, [this](const PictureSample& sample) { onPicture(sample); },
         CameraStream::Handlers{
             .onFrame = {},
-            .onMode = [this](const CameraMode& mode) { setMode(mode); },
-            .onFailed =
-                [this, number](const AppError& error) {
-                    m_sessionQueue.post([this, number, error] {
-                        m_camera.fail(number, error);
-                        update();
-                    });
+            .onMode =
+                [this](const CameraMode& mode) {
+                    setMode(mode);
+                    post([] {});
                 },
+            .onFailed = [this, number](const AppError& error) { post([this, number, error] { m_camera.fail(number, error); }); },
         });
 }
 
 DeviceSlot::Stream CaptureSession::openMicrophone(const MediaDevice& device, std::uint64_t number)
 {
-    return std::make_shared<MicrophoneStream>(*m_loop, device.id,
+    return std::make_shared<MicrophoneStream>(m_connection.loop(), device.id,
         MicrophoneStream::Handlers{
             .onSound = [this](std::span<const float> samples, HostTime time) { onSound(samples, time); },
-            .onFailed =
-                [this, number](const AppError& error) {
-                    m_sessionQueue.post([this, number, error] {
-                        m_microphone.fail(number, error);
-                        update();
-                    });
-                },
+            .onFailed = [this, number](
+                            const AppError& error) { post([this, number, error] { m_microphone.fail(number, error); }); },
         });
+}
+
+std::optional<CameraMode> CaptureSession::mode() const
+{
+    const std::lock_guard guard(m_mutex);
+    return m_known.mode;
 }
 
 void CaptureSession::setMode(const std::optional<CameraMode>& mode)
 {
-    {
-        const std::lock_guard guard(m_mutex);
-        m_mode = mode;
-    }
-    m_changed.notify_all();
-}
-
-std::optional<CameraMode> CaptureSession::awaitMode()
-{
-    std::unique_lock lock(m_mutex);
-    if (m_camera.isOpen())
-        m_changed.wait_for(lock, longestModeWait, [this] { return m_mode.has_value(); });
-    return m_mode;
+    const std::lock_guard guard(m_mutex);
+    m_known.mode = mode;
 }
 
 /// A camera that is refused is tried again, and its first picture comes before anybody has noted that it is well.
@@ -249,27 +246,36 @@ bool CaptureSession::hasCamera() const
     return m_isCameraChosen && (!m_isCameraRefused || m_preview.latest());
 }
 
-std::optional<PictureSize> CaptureSession::cameraSize()
+QFuture<void> CaptureSession::settled()
 {
-    return m_sessionQueue.sync([this]() -> std::optional<PictureSize> {
-        if (!m_camera.isTaken())
-            return std::nullopt;
-        const auto mode = awaitMode();
-        return mode ? PictureSize{ std::max(mode->width & ~1, 2), std::max(mode->height & ~1, 2) } : fullHd;
+    const auto promise = std::make_shared<QPromise<void>>();
+    promise->start();
+    post([this, promise] {
+        m_settling.push_back({ promise, HostClock::now() + longestModeWait });
+        m_reminder.remindIn(longestModeWait);
     });
+    return promise->future();
 }
 
-bool CaptureSession::hasMic()
+std::optional<PictureSize> CaptureSession::cameraSize() const
 {
-    return m_sessionQueue.sync([this] { return m_microphone.isTaken(); });
+    const std::lock_guard guard(m_mutex);
+    if (!m_known.hasCamera)
+        return std::nullopt;
+    const auto& mode = m_known.mode;
+    return mode ? PictureSize{ std::max(mode->width & ~1, 2), std::max(mode->height & ~1, 2) } : fullHd;
 }
 
-std::string CaptureSession::refusal()
+bool CaptureSession::hasMic() const
 {
-    return m_sessionQueue.sync([this] {
-        const std::string camera = m_camera.refusal();
-        return camera.empty() ? m_microphone.refusal() : camera;
-    });
+    const std::lock_guard guard(m_mutex);
+    return m_known.hasMicrophone;
+}
+
+std::string CaptureSession::refusal() const
+{
+    const std::lock_guard guard(m_mutex);
+    return m_known.refusal;
 }
 
 /// On the camera's thread.
@@ -295,19 +301,19 @@ void CaptureSession::onSound(std::span<const float> samples, HostTime time)
 MediaDeviceList CaptureSession::devices() const
 {
     const std::lock_guard guard(m_mutex);
-    return m_list;
+    return m_known.devices;
 }
 
 QFuture<bool> CaptureSession::setOnDevices(std::function<void(const MediaDeviceList&)> handler)
 {
-    return inBackground(m_sessionQueue, [this, handler = std::move(handler)] {
-        const bool wasConnected = m_loop != nullptr;
+    const auto promise = std::make_shared<QPromise<bool>>();
+    promise->start();
+    post([this, promise, handler = std::move(handler)] {
         m_onDevices = handler;
-        connect();
-        if (m_onDevices && wasConnected)
-            m_onDevices(devices());
-        return m_loop != nullptr;
+        m_toldDevices.reset();
+        m_listing.push_back(promise);
     });
+    return promise->future();
 }
 
 void CaptureSession::setOnTrouble(TroubleHandler handler)

@@ -4,6 +4,7 @@
 #include "capture/CameraPreview.h"
 #include "capture/CaptureTrouble.h"
 #include "capture/DeviceSlot.h"
+#include "capture/MediaConnection.h"
 #include "capture/PowerMeter.h"
 #include "capture/Reminder.h"
 #include "capture/Sample.h"
@@ -11,22 +12,23 @@
 #include "media/PictureSize.h"
 #include "platform/CameraFrame.h"
 #include "platform/MediaDevices.h"
-#include "platform/PipeWireLoop.h"
 
 #include <QFuture>
+#include <QPromise>
 
 #include <atomic>
-#include <condition_variable>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace vantry {
 
 /// The one camera and the one microphone: which devices there are, which of them are used, their pictures and sound. Operations may
-/// be called on any thread but the capture queue; those that have no result return at once and are done in their order on the
-/// session queue. Connects to the media server on first use, and again when that was lost.
+/// be called on any thread but the capture queue, and none waits: what they change is done in their order on the session queue,
+/// what they ask is known from there. Connects to the media server on first use, and again when that was lost.
 class CaptureSession {
 public:
     /// Both are called on the capture queue and never after the session is destroyed. Camera pictures that come while others wait
@@ -51,12 +53,16 @@ public:
     /// A camera was chosen, and it is not refused.
     bool hasCamera() const;
 
-    /// In pixels, even; nothing without a camera. Of one that is just being opened it waits for a moment, else it is full HD.
-    std::optional<PictureSize> cameraSize();
-    bool hasMic();
+    /// Done when the above has been done and a camera that is just being opened has said what it delivers, or after a second
+    /// without its word. What is asked below is up to date then.
+    QFuture<void> settled();
 
-    /// For the user: why the chosen camera or microphone, which is there, cannot be opened. Empty when all is well.
-    std::string refusal();
+    /// In pixels, even; nothing without a camera. Of one that has not yet said it, full HD.
+    std::optional<PictureSize> cameraSize() const;
+    bool hasMic() const;
+
+    /// For the user: why the chosen camera or microphone, which is there, gives nothing. Empty when all is well.
+    std::string refusal() const;
 
     /// The average power in dBFS, -160 without a microphone.
     float micPower() const { return m_meter.power(); }
@@ -65,27 +71,45 @@ public:
 
     MediaDeviceList devices() const;
 
-    /// Called on the session queue: now and after every change. The future is done when the devices are known, or when there is no
-    /// media server, and says which.
+    /// Called on the session queue: as soon as the devices are known and after every change. The future is done when they are
+    /// known, or when there is no media server or none that answers, and says which.
     QFuture<bool> setOnDevices(std::function<void(const MediaDeviceList&)> handler);
 
     /// Called on the session queue with what the user should know: a device is gone or cannot be used, or all is well again.
     void setOnTrouble(TroubleHandler handler);
 
 private:
-    void connect();
-    void disconnect(const std::string& reason);
-    void setDevices(const MediaDeviceList& list);
+    template <typename Result>
+    using Promise = std::shared_ptr<QPromise<Result>>;
+    struct Settling {
+        Promise<void> promise;
+        HostTime latest;
+    };
+
+    /// What others may ask.
+    struct Known {
+        MediaDeviceList devices;
+        std::optional<CameraMode> mode; ///< What the chosen camera delivers, or did when it was last there.
+        bool hasCamera = false;
+        bool hasMicrophone = false;
+        std::string refusal;
+    };
+
+    void post(std::function<void()> change);
     void update();
-    void setServerTrouble(const std::optional<std::string>& trouble);
+    void takeDevices();
+    void updateSlots(const MediaDeviceList& list);
+    void note(const MediaDeviceList& list);
+    void answer();
+    void settle();
     void tell(CaptureSource source, const std::optional<std::string>& trouble);
 
     DeviceSlot::Actions actionsFor(CaptureSource source);
     HostTime latestPicture() const;
     DeviceSlot::Stream openCamera(const MediaDevice& device, std::uint64_t number);
     DeviceSlot::Stream openMicrophone(const MediaDevice& device, std::uint64_t number);
+    std::optional<CameraMode> mode() const;
     void setMode(const std::optional<CameraMode>& mode);
-    std::optional<CameraMode> awaitMode();
     void onPicture(const PictureSample& sample);
     void onSound(std::span<const float> samples, HostTime time);
 
@@ -101,20 +125,18 @@ private:
     CameraPreview m_preview;
 
     mutable std::mutex m_mutex;
-    std::condition_variable m_changed;
-
-    // Guarded by the mutex.
-    MediaDeviceList m_list;
-    std::optional<CameraMode> m_mode; ///< What the chosen camera delivers, or did when it was last there.
+    Known m_known; ///< Guarded by the mutex; but for the mode, the session queue writes it.
 
     // Belong to the session queue.
     std::function<void(const MediaDeviceList&)> m_onDevices;
     TroubleHandler m_onTrouble;
     bool m_isRunning = false;
     bool m_isClosing = false;
-    std::optional<std::string> m_serverTrouble;
-    std::unique_ptr<PipeWireLoop> m_loop;
-    std::unique_ptr<MediaDevices> m_devices;
+    std::optional<std::string> m_toldServerTrouble;
+    std::optional<MediaDeviceList> m_toldDevices;
+    std::vector<Promise<bool>> m_listing;
+    std::vector<Settling> m_settling;
+    MediaConnection m_connection;
     std::optional<std::string> m_wantedCamera;
     DeviceSlot m_camera;
     DeviceSlot m_microphone;

@@ -53,8 +53,8 @@ public:
     /// Done when the stream is gone, and the latest frame with it.
     QFuture<void> stopScreen();
 
-    /// Opens a writer for the file; samples go there from now on, the screen as it is now before all others. Throws AppError when
-    /// the file cannot be opened; what was recorded before goes on then.
+    /// Opens a writer for the file; samples go there from now on, the screen as it is now before all others. The session should be
+    /// `settled`. Throws AppError when the file cannot be opened; what was recorded before goes on then.
     void beginClip(const std::filesystem::path& file);
 
     /// Takes the writer away from the samples at once and finishes its file. The clip's length in seconds; nothing when there was

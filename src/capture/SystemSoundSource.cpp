@@ -20,6 +20,10 @@ namespace {
 
 constexpr auto retryInterval = 1s;
 
+constexpr HostDuration longestAnswer = 3s;
+constexpr HostDuration askInterval = 1s;
+constexpr HostDuration glance = 100ms; ///< At a server that does not answer.
+
 /// The server hands a cycle over when it begins. The first program that plays after a while brings another output and with it a
 /// cycle of its own, in the midst of the one before: silence must not have taken its place already, so silence comes a cycle late.
 bool isSilent(const Sound& sound)
@@ -56,6 +60,7 @@ private:
     void run();
     void reconnect();
     bool sleepFor(HostDuration);
+    void watch();
     void fail(const AppError& error);
     void hand(std::span<const float> samples, HostTime taken);
     void report(const std::optional<AppError>& problem);
@@ -71,8 +76,9 @@ private:
     bool m_isStopping = false;
     std::optional<AppError> m_failure; ///< Of the connection there is.
 
-    // Belongs to the thread.
+    // Belong to the thread.
     std::unique_ptr<Connection> m_connection;
+    bool m_isAnswered = true;
 
     // Belongs to the caller.
     std::thread m_thread;
@@ -102,13 +108,16 @@ void SystemSoundSource::Impl::run()
     pthread_setname_np(pthread_self(), "system sound");
     std::unique_lock lock(m_mutex);
     while (!m_isStopping) {
-        m_changed.wait(lock, [this] { return m_isStopping || m_failure; });
-        if (!m_failure)
-            continue;
+        const HostDuration pause = m_isAnswered ? askInterval : glance;
+        m_changed.wait_for(lock, pause, [this] { return m_isStopping || m_failure; });
         const auto failure = std::exchange(m_failure, std::nullopt);
         lock.unlock();
-        report(failure);
-        reconnect();
+        if (failure) {
+            report(failure);
+            reconnect();
+        } else {
+            watch();
+        }
         lock.lock();
     }
 }
@@ -119,10 +128,21 @@ void SystemSoundSource::Impl::reconnect()
     for (m_connection.reset(); !m_connection && sleepFor(retryInterval);)
         try {
             m_connection = connect();
+            m_isAnswered = true;
             report(std::nullopt);
         } catch (const AppError&) {
             // The user knows already.
         }
+}
+
+/// A server that is stopped does not end the connection.
+void SystemSoundSource::Impl::watch()
+{
+    m_connection->loop.askServer();
+    const bool isAnswered = m_connection->loop.owedByServer() < longestAnswer;
+    if (std::exchange(m_isAnswered, isAnswered) == isAnswered)
+        return;
+    report(isAnswered ? std::nullopt : std::optional(AppError("The media server does not answer")));
 }
 
 /// False when the source was stopped.

@@ -11,7 +11,7 @@
 namespace vantry {
 
 /// Other programs' sound on the capture queue, in two channels, while it exists; silence while nobody plays. When the media server
-/// ends, it says so and comes back with the server. Opened and closed on any thread but the capture queue.
+/// ends or does not answer, it says so and comes back with the server. Opened and closed on any thread but the capture queue.
 class SystemSoundSource {
 public:
     /// Both are called on the capture queue, and never after the source is destroyed.

@@ -182,12 +182,15 @@ QCoro::Task<> RecordingFlow::countDown()
 
 QCoro::Task<> RecordingFlow::startCapture()
 {
+    const QPointer<RecordingFlow> self(this);
     m_devices.startCamera();
     const std::optional<Display> display = m_devices.chosenDisplay();
     if (!display)
         throw AppError("No display found");
     m_recorder.setCaptureSystemAudio(m_model.settings()->systemAudio());
     co_await m_recorder.startScreen(*display);
+    if (self)
+        co_await m_recorder.session().settled();
 }
 
 /// Whether what is chosen can be recorded. Says why not.

@@ -63,6 +63,9 @@ std::optional<std::string> nameInJson(const char* text)
     return std::nullopt;
 }
 
+/// First come the objects, then what the object with the defaults says.
+constexpr int neededAnswers = 2;
+
 bool contains(const std::vector<MediaDevice>& devices, const std::string& id)
 {
     return std::ranges::find(devices, id, &MediaDevice::id) != devices.end();
@@ -86,33 +89,42 @@ public:
     Impl(PipeWireLoop& loop, ChangeHandler onChange);
     ~Impl();
 
-    MediaDeviceList list() const;
+    std::optional<MediaDeviceList> list() const;
 
 private:
+    void finish(std::uint32_t id, int request);
     void add(std::uint32_t id, std::string_view type, const spa_dict* properties);
     void remove(std::uint32_t id);
     void listenToDefaults(std::uint32_t id);
     void setDefault(const char* key, const char* value);
     void update();
 
+    static const pw_core_events coreEvents;
     static const pw_registry_events registryEvents;
     static const pw_metadata_events metadataEvents;
 
     PipeWireLoop& m_loop;
     ChangeHandler m_onChange;
-    bool m_isComplete = false; ///< What was there at the start is known.
+    int m_request = 0; ///< The latest question whether the server has told everything.
+    int m_answers = 0;
     std::map<std::uint32_t, Node> m_nodes; ///< By the server's number.
     std::optional<std::string> m_defaultMicrophone;
     MediaDeviceList m_list;
 
     std::uint32_t m_metadataId = PW_ID_ANY;
     struct Server {
+        pw::Hook coreHook;
         pw::ProxyPtr<pw_registry> registry;
         pw::Hook registryHook;
         pw::ProxyPtr<pw_metadata> metadata;
         std::optional<pw::Hook> metadataHook;
     };
     std::optional<Server> m_server;
+};
+
+const pw_core_events MediaDevices::Impl::coreEvents = {
+    .version = PW_VERSION_CORE_EVENTS,
+    .done = [](void* self, std::uint32_t id, int request) { static_cast<Impl*>(self)->finish(id, request); },
 };
 
 const pw_registry_events MediaDevices::Impl::registryEvents = {
@@ -135,17 +147,12 @@ MediaDevices::Impl::Impl(PipeWireLoop& loop, ChangeHandler onChange)
     : m_loop(loop)
     , m_onChange(std::move(onChange))
 {
-    {
-        const std::lock_guard guard(m_loop);
-        m_server.emplace();
-        m_server->registry.reset(pw_core_get_registry(m_loop.core(), PW_VERSION_REGISTRY, 0));
-        pw_registry_add_listener(m_server->registry.get(), m_server->registryHook.get(), &registryEvents, this);
-    }
-    // First come the objects, then what the object with the defaults says. A slow server tells later.
-    static_cast<void>(m_loop.awaitServer() && m_loop.awaitServer());
     const std::lock_guard guard(m_loop);
-    update();
-    m_isComplete = true;
+    m_server.emplace();
+    m_server->registry.reset(pw_core_get_registry(m_loop.core(), PW_VERSION_REGISTRY, 0));
+    pw_registry_add_listener(m_server->registry.get(), m_server->registryHook.get(), &registryEvents, this);
+    pw_core_add_listener(m_loop.core(), m_server->coreHook.get(), &coreEvents, this);
+    m_request = pw_core_sync(m_loop.core(), PW_ID_CORE, 0);
 }
 
 MediaDevices::Impl::~Impl()
@@ -154,10 +161,20 @@ MediaDevices::Impl::~Impl()
     m_server.reset();
 }
 
-MediaDeviceList MediaDevices::Impl::list() const
+std::optional<MediaDeviceList> MediaDevices::Impl::list() const
 {
     const std::lock_guard guard(m_loop);
-    return m_list;
+    return m_answers < neededAnswers ? std::nullopt : std::optional(m_list);
+}
+
+void MediaDevices::Impl::finish(std::uint32_t id, int request)
+{
+    if (id != PW_ID_CORE || request != m_request || m_answers == neededAnswers)
+        return;
+    if (++m_answers < neededAnswers)
+        m_request = pw_core_sync(m_loop.core(), PW_ID_CORE, 0);
+    else if (m_onChange)
+        m_onChange(m_list);
 }
 
 void MediaDevices::Impl::add(std::uint32_t id, std::string_view type, const spa_dict* properties)
@@ -218,7 +235,7 @@ void MediaDevices::Impl::update()
     if (list == m_list)
         return;
     m_list = list;
-    if (m_isComplete && m_onChange)
+    if (m_answers == neededAnswers && m_onChange)
         m_onChange(m_list);
 }
 
@@ -229,7 +246,7 @@ MediaDevices::MediaDevices(PipeWireLoop& loop, ChangeHandler onChange)
 
 MediaDevices::~MediaDevices() = default;
 
-MediaDeviceList MediaDevices::list() const
+std::optional<MediaDeviceList> MediaDevices::list() const
 {
     return m_impl->list();
 }

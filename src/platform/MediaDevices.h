@@ -34,14 +34,14 @@ struct MediaDeviceList {
 /// its thread.
 class MediaDevices {
 public:
-    /// Called on the loop's thread with the new list after each change.
+    /// Called on the loop's thread: with the first list when the server has told it, and after each change.
     using ChangeHandler = std::function<void(const MediaDeviceList&)>;
 
-    /// Waits until it knows the devices that are there.
     explicit MediaDevices(PipeWireLoop& loop, ChangeHandler onChange = {});
     ~MediaDevices(); ///< The handler is not called any more when it returns.
 
-    MediaDeviceList list() const;
+    /// Nothing until the server has told what there is.
+    std::optional<MediaDeviceList> list() const;
 
 private:
     class Impl;

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstring>
 #include <future>
+#include <optional>
 #include <pipewire/pipewire.h>
 #include <vector>
 
@@ -33,6 +34,12 @@ struct PipeWireLoop::Listener {
     int done = 0; ///< The number of the latest request that the server has answered.
     bool isLost = false;
 
+    struct Question {
+        int request;
+        HostTime asked;
+    };
+    std::optional<Question> question; ///< That it has not yet answered.
+
     static const pw_core_events events;
 
     void finish(std::uint32_t id, int request)
@@ -40,6 +47,8 @@ struct PipeWireLoop::Listener {
         if (id != PW_ID_CORE)
             return;
         done = request;
+        if (question && question->request == request)
+            question.reset();
         pw_thread_loop_signal(loop, false);
     }
 
@@ -177,10 +186,23 @@ bool PipeWireLoop::awaitServer(std::chrono::milliseconds longest)
     const int request = pw_core_sync(m_core.get(), PW_ID_CORE, 0);
     timespec deadline;
     pw_thread_loop_get_time(m_loop.get(), &deadline, std::chrono::nanoseconds(longest).count());
-    while (!m_listener->isLost && m_listener->done != request)
+    while (!m_listener->isLost && m_listener->done < request)
         if (pw_thread_loop_timed_wait_full(m_loop.get(), &deadline) < 0)
             return false;
     return !m_listener->isLost;
+}
+
+void PipeWireLoop::askServer()
+{
+    const std::lock_guard guard(*this);
+    if (!m_listener->question)
+        m_listener->question = Listener::Question{ pw_core_sync(m_core.get(), PW_ID_CORE, 0), HostClock::now() };
+}
+
+HostDuration PipeWireLoop::owedByServer()
+{
+    const std::lock_guard guard(*this);
+    return m_listener->question ? HostClock::now() - m_listener->question->asked : HostDuration::zero();
 }
 
 } // namespace vantry

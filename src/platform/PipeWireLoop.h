@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/AppError.h"
+#include "base/HostTime.h"
 
 #include <chrono>
 #include <functional>
@@ -47,6 +48,12 @@ public:
     /// Waits until the server has done what was asked of it so far and the loop's thread has handled its answers. False when that
     /// took longer, or when the connection is lost. Not on the loop's thread.
     [[nodiscard]] bool awaitServer(std::chrono::milliseconds longest = std::chrono::seconds(3));
+
+    /// Asks the server for a sign of life, unless it owes one already. A server that is stopped takes everything and says nothing.
+    void askServer();
+
+    /// For how long the server has owed its sign of life; zero when it owes none.
+    HostDuration owedByServer();
 
 private:
     struct Listener;

@@ -29,6 +29,11 @@ protected:
         session.preview().setOnChange([this] { interruptions += !session.preview().latest(); });
     }
 
+    void settle()
+    {
+        const auto settled = session.settled();
+        ASSERT_TRUE(pumpUntil([&] { return settled.isFinished(); }));
+    }
     bool awaitPictures(std::size_t more)
     {
         const auto wanted = pictures.count() + more;
@@ -93,6 +98,7 @@ TEST_F(CaptureSessionTest, everyFormatOfACameraBecomesTheSamePicture)
         ASSERT_TRUE(awaitCamera(name)) << format;
         session.configure(name, {});
         session.startCamera();
+        settle();
         EXPECT_EQ(session.cameraSize(), (PictureSize{ 960, 540 })) << format;
         pictures.clear();
         ASSERT_TRUE(awaitPictures(10)) << format;
@@ -116,9 +122,11 @@ TEST_F(CaptureSessionTest, choosingTheSameDevicesAgainDisturbsNothing)
     ASSERT_TRUE(awaitPictures(5));
     EXPECT_EQ(session.cameraSize(), (PictureSize{ 1920, 1080 }));
     session.configure(camera.name(), {});
+    settle();
     EXPECT_FALSE(session.hasMic());
     session.configure(camera.name(), "test-microphone");
     session.startCamera();
+    settle();
     EXPECT_TRUE(session.hasMic());
     EXPECT_TRUE(awaitPictures(5));
     // The test microphone hears a tone of a quarter of full scale.
@@ -126,6 +134,7 @@ TEST_F(CaptureSessionTest, choosingTheSameDevicesAgainDisturbsNothing)
     EXPECT_EQ(interruptions, 0);
 
     session.stopCamera();
+    settle();
     EXPECT_TRUE(session.hasCamera());
     EXPECT_EQ(session.cameraSize(), (PictureSize{ 1920, 1080 }));
     EXPECT_FALSE(session.preview().latest());
@@ -140,6 +149,7 @@ TEST_F(CaptureSessionTest, goesOnWithACameraThatWasAway)
     const DeviceProgram::Arguments arguments{ name, "Desk camera" };
     session.configure(name, "test-microphone");
     session.startCamera();
+    settle();
     EXPECT_FALSE(session.cameraSize()) << "it is not there yet";
     EXPECT_TRUE(session.hasMic());
     EXPECT_TRUE(pumpUntil([&] { return sounds.count() > 3; }));
@@ -222,11 +232,33 @@ TEST_F(CaptureSessionTest, findsTheMediaServerWhenItComesAndWhenItIsBack)
     EXPECT_TRUE(awaitTrouble(CaptureSource::MediaServer, "lost"));
     EXPECT_TRUE(session.devices().cameras.empty());
     server->start();
-    EXPECT_TRUE(pumpUntil([&] { return lists >= 4; }));
-    session.setOnDevices({});
+    EXPECT_TRUE(awaitNoTrouble(CaptureSource::MediaServer));
+    EXPECT_EQ(lists, 3);
     EXPECT_FALSE(session.hasMic());
-    EXPECT_EQ(troubles.of(CaptureSource::MediaServer), "");
     EXPECT_EQ(troubles.count(), 4) << "each change is told once";
+}
+
+TEST_F(CaptureSessionTest, aServerThatDoesNotAnswerIsToldUntilItDoes)
+{
+    test::MediaServer server;
+    const DeviceProgram camera("testcamera", { "lonely-camera" });
+    server.freeze();
+    std::atomic<int> lists = 0;
+    const auto listing = session.setOnDevices([&](const MediaDeviceList&) { ++lists; });
+    session.configure("lonely-camera", {});
+    session.startCamera();
+    settle();
+    EXPECT_FALSE(session.cameraSize());
+    EXPECT_EQ(session.refusal(), "");
+    EXPECT_FALSE(listing.isFinished()) << "nobody was held up";
+    EXPECT_TRUE(awaitTrouble(CaptureSource::MediaServer, "The media server does not answer"));
+    EXPECT_TRUE(pumpUntil([&] { return listing.isFinished(); }));
+    EXPECT_FALSE(listing.result());
+    EXPECT_EQ(lists, 0) << "nobody knows what there is";
+    server.thaw();
+    EXPECT_TRUE(awaitNoTrouble(CaptureSource::MediaServer));
+    EXPECT_TRUE(pumpUntil([&] { return session.cameraSize().has_value(); }));
+    EXPECT_GE(lists, 1);
 }
 
 } // namespace vantry

@@ -33,6 +33,7 @@ protected:
         recorder.session().configure(camera, microphone);
         recorder.session().startCamera();
         recorder.startScreen(displays().at(0)).waitForFinished();
+        recorder.session().settled().waitForFinished();
     }
     void stop()
     {

@@ -72,7 +72,7 @@ TEST_F(SystemSoundSourceTest, losesNothingOfASoundThatBreaksALongSilence)
         ASSERT_NEAR(first[i], TonePlayer::amplitude * std::sin(2 * std::numbers::pi * 700 * (i + 1) / sampleRate), 0.001) << i;
 }
 
-TEST_F(SystemSoundSourceTest, saysThatTheServerHasGoneAndComesBackWithIt)
+TEST_F(SystemSoundSourceTest, saysThatTheServerHasGoneOrStoppedAndComesBackWithIt)
 {
     auto server = std::make_unique<test::MediaServer>();
     const SystemSoundSource source(queue, handlers());
@@ -82,6 +82,13 @@ TEST_F(SystemSoundSourceTest, saysThatTheServerHasGoneAndComesBackWithIt)
     server->start();
     ASSERT_TRUE(pumpUntil([&] { return changes.count() == 2; }));
     EXPECT_EQ(changes.all()[1], "again");
+
+    server->freeze();
+    ASSERT_TRUE(pumpUntil([&] { return changes.count() == 3; }));
+    EXPECT_EQ(changes.all()[2], "The media server does not answer");
+    server->thaw();
+    ASSERT_TRUE(pumpUntil([&] { return changes.count() == 4; }));
+    EXPECT_EQ(changes.all()[3], "again");
 }
 
 } // namespace vantry

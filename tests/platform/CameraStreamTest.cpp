@@ -48,7 +48,7 @@ protected:
     void SetUp() override
     {
         const MediaDevices devices(m_loop);
-        ASSERT_TRUE(pumpUntil([&] { return devices.list().hasCamera(m_camera.name()); }));
+        ASSERT_TRUE(pumpUntil([&] { return devices.list() && devices.list()->hasCamera(m_camera.name()); }));
     }
 
     PipeWireLoop m_loop{ "test.camera" };

@@ -29,7 +29,7 @@ TEST_F(MicrophoneStreamTest, aClickIsStampedWithTheTimeAtWhichItWasHeard)
     const test::DeviceProgram program("testmicrophone", { name, "Clicks", "clicks" });
     PipeWireLoop loop("test.microphone");
     const MediaDevices devices(loop);
-    ASSERT_TRUE(pumpUntil([&] { return devices.list().hasMicrophone(name); }));
+    ASSERT_TRUE(pumpUntil([&] { return devices.list() && devices.list()->hasMicrophone(name); }));
     test::Collected<HostTime> clicks;
     const auto listen = [&](std::span<const float> samples, HostTime first) {
         for (std::size_t i = 0; i < samples.size(); ++i)

@@ -38,6 +38,10 @@ public:
         std::filesystem::remove(m_folder.path() / "pipewire-0");
     }
 
+    /// It stays there and does nothing any more, or goes on.
+    void freeze() { ::kill(m_program->pid(), SIGSTOP); }
+    void thaw() { ::kill(m_program->pid(), SIGCONT); }
+
 private:
     static constexpr const char* variable = "PIPEWIRE_RUNTIME_DIR";
 
