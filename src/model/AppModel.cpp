@@ -322,6 +322,11 @@ void AppModel::transcribeMissing()
         m_transcription->transcribeMissing();
 }
 
+void AppModel::transcribeAgain()
+{
+    m_transcription->transcribeAgain();
+}
+
 bool AppModel::transcribing() const
 {
     return m_transcription->isRunning();

@@ -252,6 +252,9 @@ public:
     void transcribeMissing();
     bool transcribing() const;
 
+    /// Transcribes all clips of the project again, with the engine that there is now.
+    Q_INVOKABLE void transcribeAgain();
+
     /// Finishes what must not be lost and then says `readyToQuit`, or what would be lost (`quitting`).
     Q_INVOKABLE void quit();
 

@@ -1,6 +1,7 @@
 #include "model/TranscriptionFlow.h"
 
 #include "base/Background.h"
+#include "base/Log.h"
 #include "model/AppModel.h"
 #include "model/Coroutines.h"
 
@@ -40,21 +41,36 @@ TranscriptionFlow::~TranscriptionFlow()
 
 void TranscriptionFlow::transcribeMissing()
 {
-    launch(transcribeNext(), [self = QPointer(this)](const QString& description) {
+    start(Clips::Missing);
+}
+
+void TranscriptionFlow::transcribeAgain()
+{
+    start(Clips::All);
+}
+
+void TranscriptionFlow::start(Clips which)
+{
+    launch(transcribeNext(which), [self = QPointer(this)](const QString& description) {
         if (self)
             self->m_notice.warn(failed + description);
     });
 }
 
-QCoro::Task<> TranscriptionFlow::transcribeNext()
+QCoro::Task<> TranscriptionFlow::transcribeNext(Clips which)
 {
     const QPointer<TranscriptionFlow> self(this);
     co_await ended();
     if (self)
-        co_await transcribeAll();
+        co_await transcribe(which);
 }
 
 QCoro::Task<> TranscriptionFlow::transcribeAll()
+{
+    return transcribe(Clips::Missing);
+}
+
+QCoro::Task<> TranscriptionFlow::transcribe(Clips which)
 {
     if (m_running) {
         co_await ended();
@@ -66,7 +82,7 @@ QCoro::Task<> TranscriptionFlow::transcribeAll()
     begin();
     std::optional<QString> failure;
     try {
-        co_await transcribeClips();
+        co_await transcribeClips(which);
     } catch (const std::exception& error) {
         failure = failed + describe(error);
     }
@@ -74,31 +90,70 @@ QCoro::Task<> TranscriptionFlow::transcribeAll()
         end(m_cancel.stop_requested() ? std::nullopt : failure);
 }
 
-/// Until one fails, or the run is cancelled.
-QCoro::Task<> TranscriptionFlow::transcribeClips()
+/// Until one fails, or the run is cancelled. What a lesser engine heard is heard again once the wanted one is here.
+QCoro::Task<> TranscriptionFlow::transcribeClips(Clips which)
 {
     const QPointer<TranscriptionFlow> self(this);
-    const auto transcriber = makeTranscriber();
-    const QString chosen = m_model.settings()->speechLocale();
-    const std::string locale = chosen.isEmpty() ? "en-US" : chosen.toStdString();
+    const LesserTranscripts lesser = co_await readLesser();
+    if (!self || m_model.folder() != m_folder)
+        co_return;
+    m_lesser = lesser;
     const std::vector<Clip> clips = m_model.project() ? m_model.project()->clips : std::vector<Clip>();
     for (const Clip& clip : clips) {
-        if (clip.transcript)
-            continue;
-        m_notice.tell(transcribing);
-        const Lines lines = co_await linesOf(clip, locale, transcriber);
-        if (!self || !lines || m_model.folder() != m_folder)
+        if ((which == Clips::All || !clip.transcript) && !co_await transcribeClip(clip))
             co_return;
-        store(clip, *lines);
+    }
+    for (const Clip& clip : clips) {
+        if (which == Clips::Missing && m_lesser.contains(clip) && m_transcriber->hasWantedEngine(m_locale)
+            && !co_await transcribeClip(clip))
+            co_return;
     }
 }
 
-/// On the worker.
-QFuture<TranscriptionFlow::Lines> TranscriptionFlow::linesOf(
-    const Clip& clip, const std::string& locale, const std::shared_ptr<Transcriber>& transcriber)
+/// False when nobody wants the rest.
+QCoro::Task<bool> TranscriptionFlow::transcribeClip(Clip clip)
 {
-    return inBackground(m_worker, [transcriber, movie = *m_folder / clip.file, locale, cancel = m_cancel.get_token()] {
-        return transcriber->transcribe(movie, locale, cancel);
+    const QPointer<TranscriptionFlow> self(this);
+    m_notice.tell(transcribing);
+    const Lines lines = co_await linesOf(clip);
+    if (!self || !lines || m_model.folder() != m_folder)
+        co_return false;
+    store(clip, *lines);
+    noteEngine(clip, *lines);
+    co_return true;
+}
+
+/// On the worker.
+QFuture<TranscriptionFlow::Lines> TranscriptionFlow::linesOf(const Clip& clip)
+{
+    return inBackground(
+        m_worker, [transcriber = m_transcriber, movie = *m_folder / clip.file, locale = m_locale, cancel = m_cancel.get_token()] {
+            return transcriber->transcribe(movie, locale, cancel);
+        });
+}
+
+QFuture<LesserTranscripts> TranscriptionFlow::readLesser()
+{
+    return inBackground(m_worker, [folder = *m_folder] { return LesserTranscripts::read(folder); });
+}
+
+/// So that the lines can be made again when the wanted engine is here.
+void TranscriptionFlow::noteEngine(const Clip& clip, const std::vector<Line>& lines)
+{
+    const LesserTranscripts before = m_lesser;
+    m_lesser.remove(clip);
+    if (!m_transcriber->shortfall().empty()) {
+        m_shortfall = QString::fromStdString(m_transcriber->shortfall());
+        m_lesser.add(clip, lines);
+    }
+    if (m_lesser == before)
+        return;
+    m_worker.post([lesser = m_lesser, folder = *m_folder] {
+        try {
+            lesser.write(folder);
+        } catch (const std::exception& error) {
+            qCWarning(logModel, "%s", error.what()); // Nothing is lost but a second attempt.
+        }
     });
 }
 
@@ -154,6 +209,10 @@ void TranscriptionFlow::begin()
     ++m_run;
     m_folder = m_model.folder();
     m_cancel = std::stop_source();
+    m_transcriber = makeTranscriber();
+    const QString locale = m_model.settings()->speechLocale();
+    m_locale = locale.isEmpty() ? "en-US" : locale.toStdString();
+    m_shortfall.clear();
     Q_EMIT runningChanged();
 }
 
@@ -162,7 +221,7 @@ void TranscriptionFlow::end(const std::optional<QString>& failure)
     if (failure)
         m_notice.warn(*failure);
     else
-        m_notice.clear();
+        m_notice.warn(m_shortfall.isEmpty() ? m_shortfall : "Transcribed less well than it could be. "_L1 + m_shortfall);
     m_running = false;
     Q_EMIT runningChanged();
 }

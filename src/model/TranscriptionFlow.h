@@ -4,6 +4,7 @@
 #include <QObject>
 
 #include "base/Worker.h"
+#include "model/LesserTranscripts.h"
 #include "model/Notices.h"
 #include "project/Project.h"
 #include "transcribe/Transcriber.h"
@@ -42,6 +43,9 @@ public:
     /// there were all of the clips.
     void transcribeMissing();
 
+    /// Transcribes all clips of the open project again, with the engine that there is now. One that fails keeps what it has.
+    void transcribeAgain();
+
     bool isRunning() const { return m_running; }
 
     /// Ends the run soon; its current clip gets no transcript.
@@ -56,9 +60,17 @@ Q_SIGNALS:
 private:
     using Lines = std::optional<std::vector<Line>>;
 
-    QCoro::Task<> transcribeNext();
-    QCoro::Task<> transcribeClips();
-    QFuture<Lines> linesOf(const Clip& clip, const std::string& locale, const std::shared_ptr<Transcriber>& transcriber);
+    /// Which clips a run takes.
+    enum class Clips { Missing, All };
+
+    void start(Clips which);
+    QCoro::Task<> transcribeNext(Clips which);
+    QCoro::Task<> transcribe(Clips which);
+    QCoro::Task<> transcribeClips(Clips which);
+    QCoro::Task<bool> transcribeClip(Clip clip);
+    QFuture<Lines> linesOf(const Clip& clip);
+    QFuture<LesserTranscripts> readLesser();
+    void noteEngine(const Clip& clip, const std::vector<Line>& lines);
     std::shared_ptr<Transcriber> makeTranscriber();
     Transcriber::OnFetching showFetching();
     void store(const Clip& clip, const std::vector<Line>& lines);
@@ -74,6 +86,10 @@ private:
     int m_run = 0; ///< Its number.
     std::optional<std::filesystem::path> m_folder;
     std::stop_source m_cancel;
+    std::shared_ptr<Transcriber> m_transcriber; ///< At work on the worker; between clips it is looked at here.
+    std::string m_locale;
+    LesserTranscripts m_lesser;
+    QString m_shortfall; ///< Why a lesser engine had to do.
 
     Worker m_worker{ "vantry.speech" };
 };

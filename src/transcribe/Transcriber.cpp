@@ -69,6 +69,7 @@ Transcriber::~Transcriber() = default;
 std::optional<std::vector<Line>> Transcriber::transcribe(
     const std::filesystem::path& movie, const std::string& locale, const std::stop_token& cancel)
 {
+    m_shortfall.clear();
     const auto track = microphoneTrack(movie);
     if (!track)
         return std::vector<Line>();
@@ -85,7 +86,14 @@ std::optional<std::vector<Line>> Transcriber::transcribe(
     auto lines = recognise(speech, locale, cancel);
     if (!lines)
         return std::nullopt;
+    m_shortfall = m_problem;
     return tidied(*std::move(lines));
+}
+
+bool Transcriber::hasWantedEngine(const std::string& locale) const
+{
+    const SpeechEngine& wanted = *m_engines.front();
+    return m_problem.empty() && wanted.supports(languageOf(locale)) && !wanted.missingModel();
 }
 
 /// Once more where it failed of a model that has been damaged since it was fetched.
@@ -129,7 +137,7 @@ const SpeechEngine* Transcriber::chooseEngine(const std::string& locale, const s
     failOf(locale);
 }
 
-/// Whether it is here now. Why it is not is kept, unless there is just no network.
+/// Whether it is here now. Why it is not is kept.
 bool Transcriber::fetchModel(const SpeechModel& model, const std::stop_token& cancel)
 {
     const auto tell = [&](std::optional<double> fraction) {
@@ -148,6 +156,8 @@ bool Transcriber::fetchModel(const SpeechModel& model, const std::stop_token& ca
         m_problem = error.what();
         qCWarning(logTranscribe) << error.what();
     }
+    if (fetched == Fetched::Unreachable && m_problem.empty())
+        m_problem = "The speech model could not be downloaded: there is no way to its server";
     tell(std::nullopt);
     m_hasFetched = fetched == Fetched::Complete;
     return m_hasFetched;

@@ -46,6 +46,12 @@ public:
     std::optional<std::vector<Line>> transcribe(
         const std::filesystem::path& movie, const std::string& locale, const std::stop_token& cancel = {});
 
+    /// Why a lesser engine than the wanted one heard the last clip. Empty when that was not so.
+    const std::string& shortfall() const { return m_shortfall; }
+
+    /// Whether the wanted engine knows the locale's language and has its model here.
+    bool hasWantedEngine(const std::string& locale) const;
+
 private:
     using Engines = std::vector<std::unique_ptr<const SpeechEngine>>;
 
@@ -58,6 +64,7 @@ private:
     Engines m_engines; ///< The best first. Those whose model cannot be had are taken out.
     bool m_hasFetched = false; ///< A model, which was whole then: it is not checked again.
     std::string m_problem; ///< Why the last of these could not.
+    std::string m_shortfall;
 };
 
 /// Writes an audio track of a movie, as one channel, with each sample at its time. Ends early when `cancel` is asked to stop.

@@ -41,6 +41,10 @@ const std::vector<float>& voice()
     return samples;
 }
 
+constexpr auto withoutModel =
+    "Transcribed less well than it could be. The speech model could not be downloaded: there is no way to its server";
+const QByteArray model = test::scriptedModel({ { 0, 1, { " Hei", " hei" } } });
+
 /// A model that transcribes by itself, and remembers what its status said.
 class TranscriptionTest : public test::ProjectsTest {
 protected:
@@ -66,6 +70,17 @@ protected:
                                << " ]; do sleep 0.01; done\necho '{\"start\": 1, \"end\": 2, \"text\": \" as told \"}'\n";
         fs::permissions(program, fs::perms::owner_all);
         start([&](Transcriber::Options& options) { options.helper.program = program; });
+    }
+
+    /// With a model that always hears the same, when it can be had.
+    void startWithModel(const std::string& source)
+    {
+        start([&](Transcriber::Options& options) {
+            options.source = source;
+            options.model = SpeechModel{ .file = "model.bin",
+                .bytes = model.size(),
+                .sha256 = QCryptographicHash::hash(model, QCryptographicHash::Sha256).toHex().toStdString() };
+        });
     }
 
     bool isHeard(std::uintmax_t clips)
@@ -113,9 +128,9 @@ TEST_F(TranscriptionTest, openingAProjectTranscribesItsClips)
 {
     const fs::path folder = writeSpokenProject("one", { true, false });
     m_app->open(folder);
-    EXPECT_EQ(status(), "Transcribing…");
+    EXPECT_TRUE(pumpUntil([&] { return status() == "Transcribing…"; }));
     ASSERT_TRUE(ends());
-    EXPECT_EQ(m_app->status(), std::nullopt);
+    EXPECT_EQ(status(), withoutModel);
     ASSERT_THAT(transcript(0), Optional(SizeIs(1)));
     EXPECT_THAT(transcript(0)->front().text, HasSubstr("welcome to my channel"));
     EXPECT_THAT(transcript(1), Optional(IsEmpty()));
@@ -143,7 +158,7 @@ TEST_F(TranscriptionTest, aFailureEndsTheRunAndIsSaid)
 
     m_app->settings()->setSpeechLocale({});
     QCoro::waitFor(m_app->transcribeAll());
-    EXPECT_EQ(m_app->status(), std::nullopt);
+    EXPECT_EQ(status(), withoutModel);
     EXPECT_THAT(transcript(1), Optional(SizeIs(1))) << "nothing said means American English";
     EXPECT_THAT(transcript(2), Optional(IsEmpty()));
 }
@@ -161,7 +176,7 @@ TEST_F(TranscriptionTest, anotherProjectTakesTheFirstOnesPlace)
     ASSERT_TRUE(pumpUntil([&] { return transcript(0).has_value(); }));
     EXPECT_THAT(transcript(0), Optional(ElementsAre(scripted)));
     ASSERT_TRUE(ends());
-    EXPECT_EQ(m_app->status(), std::nullopt);
+    EXPECT_EQ(status(), withoutModel);
     EXPECT_EQ(loadProject(one).clips.at(0).transcript, std::nullopt);
 
     m_app->open(one);
@@ -220,14 +235,8 @@ TEST_F(TranscriptionTest, quittingDoesNotWaitForTheEnd)
 
 TEST_F(TranscriptionTest, aModelIsFetchedWithItsProgressInTheStatus)
 {
-    const QByteArray file = test::scriptedModel({ { 0, 1, { " Hei", " hei" } } });
-    const test::ModelServer server([&](qsizetype from) { return test::ModelServer::rest(file, from); });
-    start([&](Transcriber::Options& options) {
-        options.source = server.source();
-        options.model = SpeechModel{ .file = "model.bin",
-            .bytes = file.size(),
-            .sha256 = QCryptographicHash::hash(file, QCryptographicHash::Sha256).toHex().toStdString() };
-    });
+    const test::ModelServer server([&](qsizetype from) { return test::ModelServer::rest(model, from); });
+    startWithModel(server.source());
     m_app->settings()->setSpeechLocale(u"nb-NO"_s);
     m_app->open(writeSpokenProject("one", { true }));
     ASSERT_TRUE(ends());
@@ -237,6 +246,32 @@ TEST_F(TranscriptionTest, aModelIsFetchedWithItsProgressInTheStatus)
     EXPECT_THAT(m_said, Contains("Downloading the speech model… 100%"));
     EXPECT_EQ(m_said.back(), "Transcribing…");
     EXPECT_EQ(m_app->status(), std::nullopt);
+}
+
+TEST_F(TranscriptionTest, whatALesserEngineHeardIsHeardAgainWhenTheModelHasCome)
+{
+    startWithModel("http://127.0.0.1:1/");
+    const fs::path folder = writeSpokenProject("one", { true, true });
+    m_app->settings()->setSpeechLocale(u"de-DE"_s);
+    m_app->open(folder);
+    ASSERT_TRUE(ends());
+    EXPECT_EQ(status(), "Transcription failed: The speech model could not be downloaded: there is no way to its server");
+    m_app->settings()->setSpeechLocale({});
+    QCoro::waitFor(m_app->transcribeAll());
+    EXPECT_EQ(status(), withoutModel);
+    m_app->edit(Rebuild::No, [](Project& project) { project.clips[1].transcript->front().text = "mine"; });
+    ASSERT_TRUE(m_app->saved().result());
+
+    fs::create_directories(m_folder / "models");
+    std::ofstream(m_folder / "models/model.bin").write(model.data(), model.size());
+    startWithModel("http://127.0.0.1:1/");
+    m_app->open(folder);
+    ASSERT_TRUE(ends());
+    EXPECT_EQ(transcript(0)->front().text, "Hei hei");
+    EXPECT_EQ(transcript(1)->front().text, "mine") << "what somebody has changed stays";
+    EXPECT_EQ(m_app->status(), std::nullopt);
+    m_app->transcribeAgain();
+    ASSERT_TRUE(pumpUntil([&] { return transcript(1)->front().text == "Hei hei"; }));
 }
 
 } // namespace vantry
