@@ -78,9 +78,10 @@ QFuture<std::optional<QString>> Client::keyIn(const std::filesystem::path& token
 QCoro::Task<std::string> Client::ask(std::string system, std::string user)
 {
     const QPointer<Client> self(this);
+    const int cancellations = m_cancellations;
     const auto chosenModel = model().toStdString();
     const auto key = co_await apiKey();
-    checkAlive(self);
+    checkAlive(self, cancellations);
     if (!key)
         throw AppError("No OpenRouter key. Paste yours in Settings (⌘,).");
     const auto secret = key->toUtf8();
@@ -90,7 +91,7 @@ QCoro::Task<std::string> Client::ask(std::string system, std::string user)
     const Question question{ .body = QByteArray::fromStdString(chatRequest(chosenModel, system, user)),
         .largestAnswer = largestAnswer };
     const auto route = co_await findRoute(m_options.host, m_options.longestSilence, *this);
-    checkAlive(self);
+    checkAlive(self, cancellations);
     auto answer = co_await post(requestWith(secret), route, question, *this);
     co_return bodyOf(std::move(answer), secret);
 }
@@ -112,9 +113,17 @@ QNetworkRequest Client::requestWith(const QByteArray& key) const
     return request;
 }
 
-void Client::checkAlive(const QPointer<Client>& client)
+void Client::cancel()
 {
-    if (!client)
+    ++m_cancellations;
+    m_keychain.stopReading();
+    abortAll(*this);
+}
+
+/// Throws when it is gone, or was cancelled since.
+void Client::checkAlive(const QPointer<Client>& client, int cancellations)
+{
+    if (!client || client->m_cancellations != cancellations)
         throw AppError("The request was cancelled.");
 }
 

@@ -35,6 +35,12 @@ public:
     /// The key of the key ring, else the one of the tokens file.
     QCoro::Task<std::optional<QString>> apiKey();
 
+    /// Ends all questions that wait, for the key ring or for the service: those who asked get an AppError.
+    void cancel();
+
+    /// How often that was done.
+    int cancellations() const { return m_cancellations; }
+
     /// The `Reply` in the JSON object that the model answers with. Throws AppError; its text never contains the key.
     template <typename Reply>
     QCoro::Task<Reply> json(std::string system, std::string user);
@@ -45,11 +51,12 @@ private:
     QFuture<std::optional<QString>> keyIn(const std::filesystem::path& tokensFile);
     template <typename Reply>
     QFuture<Reply> decoded(const std::string& body);
-    static void checkAlive(const QPointer<Client>& client);
+    static void checkAlive(const QPointer<Client>& client, int cancellations);
 
     const std::function<Choices()> m_choices;
     const Options m_options;
     Keychain m_keychain;
+    int m_cancellations = 0;
     Worker m_worker{ "vantry.ai" };
 };
 
@@ -57,8 +64,9 @@ template <typename Reply>
 QCoro::Task<Reply> Client::json(std::string system, std::string user)
 {
     const QPointer<Client> self(this);
+    const int cancellations = m_cancellations;
     const auto body = co_await ask(std::move(system), std::move(user));
-    checkAlive(self);
+    checkAlive(self, cancellations);
     co_return co_await decoded<Reply>(body);
 }
 

@@ -1,5 +1,7 @@
 #include "ai/Keychain.h"
 
+#include "platform/KeyRing.h"
+
 #include <QPromise>
 #include <QStringDecoder>
 #include <QTimer>
@@ -47,19 +49,36 @@ Keychain::Keychain(Options options)
 {
 }
 
-QFuture<Key> Keychain::openRouterKey() const
+QFuture<Key> Keychain::openRouterKey()
 {
-    const auto promise = std::make_shared<QPromise<Key>>();
-    promise->start();
-    // The first answer counts.
-    const auto finish = [promise](const Key& key) {
-        promise->addResult(key);
-        promise->finish();
-    };
+    std::erase_if(m_readings, [](const Reading& reading) { return reading->future().isFinished(); });
+    const auto reading = m_readings.emplace_back(std::make_shared<QPromise<Key>>());
+    reading->start();
     auto* job = new QKeychain::ReadPasswordJob(m_options.service);
-    run(job, [finish, job] { finish(job->error() == QKeychain::NoError ? keyIn(job->binaryData()) : std::nullopt); });
-    QTimer::singleShot(m_options.longestRead, job, [finish] { finish(std::nullopt); });
-    return promise->future();
+    run(job, [reading, job] { finish(reading, job->error() == QKeychain::NoError ? keyIn(job->binaryData()) : std::nullopt); });
+    auto* deadline = new QTimer(job);
+    QObject::connect(deadline, &QTimer::timeout, job, [reading] { finish(reading, std::nullopt); });
+    deadline->setSingleShot(true);
+    deadline->start(m_options.longestRead);
+    // Whoever unlocks it may have to look for the password.
+    askWhetherKeyRingIsLocked(deadline, [deadline](bool isLocked) {
+        if (isLocked)
+            deadline->stop();
+    });
+    return reading->future();
+}
+
+/// The first answer counts.
+void Keychain::finish(const Reading& reading, const Key& key)
+{
+    reading->addResult(key);
+    reading->finish();
+}
+
+void Keychain::stopReading()
+{
+    for (const Reading& reading : std::exchange(m_readings, {}))
+        finish(reading, std::nullopt);
 }
 
 QFuture<void> Keychain::setOpenRouterKey(const Key& key)

@@ -1,10 +1,13 @@
 #pragma once
 
 #include <QFuture>
+#include <QPromise>
 #include <QString>
 
 #include <chrono>
+#include <memory>
 #include <optional>
+#include <vector>
 
 namespace vantry {
 
@@ -17,21 +20,29 @@ class Keychain {
 public:
     struct Options {
         QString service = QString::fromLatin1(bundleIdentifier);
-        std::chrono::milliseconds longestRead{ 2000 }; ///< A locked key ring asks the user, who may be away.
+        std::chrono::milliseconds longestRead{ 2000 }; ///< But for a locked key ring, which asks the user.
     };
 
     Keychain();
     explicit Keychain(Options options);
 
-    /// The stored key. Nothing when there is none, or when the key ring does not give it in time.
-    QFuture<std::optional<QString>> openRouterKey() const;
+    /// The stored key. Nothing when there is none, or when the key ring does not give it in time. A locked key ring asks the user,
+    /// for whom it is waited as long as it takes.
+    QFuture<std::optional<QString>> openRouterKey();
+
+    /// Ends all waiting for a key: there is none then.
+    void stopReading();
 
     /// Replaces the key, without white space around it; nothing or blank text removes it. Finished when the key ring is done with
     /// it, whatever came of it, which may take as long as the user lets it wait. Reads and writes keep their order.
     QFuture<void> setOpenRouterKey(const std::optional<QString>& key);
 
 private:
+    using Reading = std::shared_ptr<QPromise<std::optional<QString>>>;
+    static void finish(const Reading& reading, const std::optional<QString>& key);
+
     const Options m_options;
+    std::vector<Reading> m_readings; ///< Under way, and those that have ended since the last one began.
 };
 
 } // namespace vantry

@@ -271,6 +271,11 @@ QCoro::Task<> AppModel::generateYouTube()
     return m_youTube->generate();
 }
 
+void AppModel::cancelAsking()
+{
+    m_ai->cancel();
+}
+
 void AppModel::refreshPlayer()
 {
     m_preview->refresh();

@@ -219,6 +219,9 @@ public:
     /// Has the AI write title, description, tags and chapters. What is not transcribed yet is transcribed before.
     QCoro::Task<> generateYouTube();
 
+    /// Ends what is being asked, also while the key ring waits to be unlocked. Nobody is told.
+    Q_INVOKABLE void cancelAsking();
+
     // Preview.
 
     /// Shows the project as it is now: at the pending seek, else at the playhead. Why that cannot be done is told; what was shown

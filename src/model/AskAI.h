@@ -20,6 +20,7 @@ QCoro::Task<std::optional<Reply>> askAI(AppModel& model, AI::Client& ai, Notice&
     notice.clear();
     const QPointer<AppModel> alive(&model);
     const auto folder = model.folder();
+    const int cancellations = ai.cancellations();
     std::optional<Reply> reply;
     QString failure;
     try {
@@ -30,7 +31,8 @@ QCoro::Task<std::optional<Reply>> askAI(AppModel& model, AI::Client& ai, Notice&
     if (!alive)
         co_return std::nullopt;
     if (!reply) {
-        model.setAlert(failure);
+        if (ai.cancellations() == cancellations) // Whoever cancels knows.
+            model.setAlert(failure);
     } else if (model.folder() != folder) {
         notice.tell(QStringLiteral("AI result dropped: you switched recordings"));
         reply.reset();

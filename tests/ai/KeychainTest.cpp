@@ -21,7 +21,7 @@ class KeychainTest : public test::EventLoopTest {
 protected:
     ~KeychainTest() override { write(std::nullopt); }
 
-    std::optional<QString> read() const
+    std::optional<QString> read()
     {
         const auto reading = m_keychain.openRouterKey();
         EXPECT_TRUE(test::pumpUntil([&] { return reading.isFinished(); }));
@@ -93,7 +93,11 @@ public:
 
 private:
     test::Program m_daemon{ { "sh", "-c",
-        "exec " + environment() + " gnome-keyring-daemon --foreground --unlock --components=secrets <<END\ntest\nEND\n" } };
+        "printf test >" + passwordFile() + "; exec " + environment()
+            + " gnome-keyring-daemon --foreground --unlock --components=secrets <" + passwordFile() } };
+
+    /// Without a line break, which nobody could type.
+    std::string passwordFile() const { return home() / "password"; }
 };
 
 class OtherKeyRingsTest : public test::EventLoopTest { };
@@ -140,6 +144,18 @@ TEST_F(OtherKeyRingsTest, aLockedKeyRingGivesNoKey)
     EXPECT_THAT(
         ring.probe("write read" + lock + "read"), MatchesRegex("sk-or-secret after [0-9]+ rounds\nno key after [0-9]+ rounds\n"));
     EXPECT_EQ(test::runCommand("grep -rl sk-or-secret " + ring.home().string() + " || true"), "");
+}
+
+TEST_F(OtherKeyRingsTest, aLockedKeyRingIsWaitedForWhileItAsks)
+{
+    const OwnKeyRing ring;
+    const test::Program prompter({ "sh", "-c", "exec " + ring.environment() + " /usr/libexec/gcr-prompter" });
+    test::runCommand(ring.environment() + " gdbus wait --session --timeout 60 org.gnome.keyring.SystemPrompter");
+    const std::string lock = " '" + ring.call("Lock [\\\"/org/freedesktop/secrets/collection/login\\\"]") + " >/dev/null' ";
+    const test::Program user(
+        { "sh", "-c", "xdotool search --sync --onlyvisible --class gcr-prompter; sleep 3; xdotool type test; xdotool key Return" });
+    EXPECT_THAT(ring.probe("write" + lock + "stop read"),
+        MatchesRegex("no key after 2[0-9][0-9] rounds\nsk-or-secret after [0-9]+ rounds\n"));
 }
 
 TEST_F(OtherKeyRingsTest, aKeyRingThatDoesNotAnswerHoldsNothingUp)

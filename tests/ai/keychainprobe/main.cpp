@@ -11,7 +11,7 @@
 // keychainprobe SERVICE COMMAND...
 //
 // Works with the key ring of its environment and prints what comes of it, a line for each read. The commands: "read", "write",
-// which stores $KEY, and lines for the shell.
+// which stores $KEY, "stop", which reads and gives that up after 2.5 s, and lines for the shell.
 
 using namespace vantry;
 using namespace std::chrono_literals;
@@ -39,8 +39,10 @@ int main(int argc, char** argv)
     Keychain keychain({ .service = QString::fromUtf8(argv[1]) });
     for (int i = 2; i < argc; ++i) {
         const std::string_view command = argv[i];
-        if (command == "read") {
+        if (command == "read" || command == "stop") {
             const auto reading = keychain.openRouterKey();
+            if (command == "stop")
+                QTimer::singleShot(2500ms, &application, [&keychain] { keychain.stopReading(); });
             const int rounds = waitFor(reading);
             std::printf("%s after %d rounds\n", qPrintable(reading.result().value_or(QStringLiteral("no key"))), rounds);
         } else if (command == "write") {
