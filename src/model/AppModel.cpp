@@ -143,6 +143,7 @@ void AppModel::dropEmptyProject()
 void AppModel::salvage()
 {
     m_salvage->start(m_storage.folders());
+    m_tidying.start(m_storage.folders(), root().parent_path());
 }
 
 QCoro::Task<> AppModel::salvage(const fs::path& folder)

@@ -7,6 +7,7 @@
 #include "model/ProjectFields.h"
 #include "model/ProjectStorage.h"
 #include "model/Settings.h"
+#include "model/Tidying.h"
 #include "platform/Displays.h"
 #include "project/Project.h"
 #include "render/RenderInstruction.h"
@@ -160,7 +161,7 @@ public:
     void dropEmptyProject();
 
     /// Completes recordings that a crash cut off, and says in the status which: those of all folders, or of one, for which it
-    /// waits.
+    /// waits. With those of all, whatever else killed programs left is removed.
     void salvage();
     QCoro::Task<> salvage(const std::filesystem::path& folder);
 
@@ -341,6 +342,7 @@ private:
     std::unique_ptr<OverlayFlow> m_aiOverlay;
     std::unique_ptr<YouTubeFlow> m_youTube;
     std::unique_ptr<QuitFlow> m_quit;
+    Tidying m_tidying;
 };
 
 } // namespace vantry

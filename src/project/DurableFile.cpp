@@ -1,9 +1,11 @@
 #include "project/DurableFile.h"
 
+#include "base/Claim.h"
 #include "base/Durability.h"
 #include "project/FileDescriptor.h"
 #include "project/Uuid.h"
 
+#include <system_error>
 #include <utility>
 
 #include <fcntl.h>
@@ -46,17 +48,26 @@ path folderOf(const path& file)
     return file.has_parent_path() ? file.parent_path() : path(".");
 }
 
+std::string startOfTemporaries(const path& file)
+{
+    return '.' + file.filename().string() + '.';
+}
+
 /// A hidden name of its own for each writer: two of them never write into the same file.
 path temporaryBeside(const path& file)
 {
-    return folderOf(file) / ('.' + file.filename().string() + '.' + Uuid::random().text());
+    return folderOf(file) / (startOfTemporaries(file) + Uuid::random().text());
 }
 
-void writeAndMove(const path& file, const path& temporary, std::string_view bytes)
+/// False when it was taken for a leftover.
+bool writeAndMove(const path& file, const path& temporary, std::string_view bytes)
 {
     FileDescriptor target(temporary,
         { .flags = O_WRONLY | O_CREAT | O_EXCL, .permissions = permissionsOfNewFiles, .name = file.filename().string() });
     Removal removal(temporary);
+    const auto claim = Claim::on(temporary);
+    if (!claim)
+        return false;
     struct stat old;
     if (::stat(file.c_str(), &old) == 0)
         target.setPermissions(old.st_mode & permissionBits);
@@ -66,6 +77,7 @@ void writeAndMove(const path& file, const path& temporary, std::string_view byte
     if (::rename(temporary.c_str(), file.c_str()) != 0)
         target.failWithLastError();
     removal.cancel();
+    return true;
 }
 
 } // namespace
@@ -84,8 +96,19 @@ std::string readFile(const path& file, std::size_t limit)
 
 void replaceFile(const path& file, std::string_view bytes)
 {
-    writeAndMove(file, temporaryBeside(file), bytes);
+    while (!writeAndMove(file, temporaryBeside(file), bytes)) { }
     makeNamesDurable(folderOf(file));
+}
+
+void removeLeftovers(const path& file)
+{
+    const auto start = startOfTemporaries(file);
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(folderOf(file), error), end; !error && entry != end; entry.increment(error)) {
+        const auto name = entry->path().filename().string();
+        if (name.starts_with(start) && Uuid::parse(std::string_view(name).substr(start.size())))
+            removeUnclaimed(entry->path());
+    }
 }
 
 } // namespace vantry

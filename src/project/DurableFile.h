@@ -16,4 +16,7 @@ std::string readFile(const std::filesystem::path&, std::size_t limit);
 /// the new one, whole; once this returns, it is the new one. The file keeps its permissions.
 void replaceFile(const std::filesystem::path&, std::string_view bytes);
 
+/// Removes what programs left beside a file that were killed while they replaced it.
+void removeLeftovers(const std::filesystem::path&);
+
 } // namespace vantry

@@ -246,9 +246,13 @@ TEST_F(ProgramTest, aRecordingOfAProgramThatWasKilledIsKept)
     program->end(SIGKILL);
     const auto folder = onlyProject();
     EXPECT_FALSE(fs::exists(folder / "project.json"));
+    // Of other programs that were killed.
+    std::ofstream(folder / ".project.json.0A1B2C3D-0000-4000-8000-000000000000") << "{";
+    fs::create_directory(m_home / "Videos/.vantry-export-a1B2c3");
 
     program = start("");
     ASSERT_TRUE(holdsSoon([&] { return fs::exists(folder / "project.json"); }));
+    EXPECT_TRUE(holdsSoon([&] { return std::distance(fs::directory_iterator(m_home / "Videos"), {}) == 1; }));
     kill(program->pid(), SIGTERM);
     EXPECT_EQ(finish(*program).status, 0);
     const Clip clip = onlyClip(folder);
@@ -297,6 +301,32 @@ TEST_F(ProgramTest, anInterruptedExportLeavesNoFile)
     kill(program->pid(), SIGTERM);
     EXPECT_EQ(finish(*program).status, 128 + SIGTERM);
     EXPECT_EQ(std::distance(fs::directory_iterator(m_home.path()), {}), before);
+}
+
+TEST_F(ProgramTest, whatAKilledExportLeftIsGoneWithTheNextOne)
+{
+    test::writeTestProject(m_home / "project", 4, 10);
+    const auto command = "--open " + (m_home / "project").string() + " --export " + (m_home / "out.mp4").string();
+    const auto left = [this] {
+        std::vector<std::string> names;
+        for (const auto& entry : fs::directory_iterator(m_home.path()))
+            if (const auto name = entry.path().filename().string(); name.starts_with(".vantry-export-"))
+                names.push_back(name);
+        return names;
+    };
+    const auto killed = start(command);
+    ASSERT_TRUE(says("Exporting… 1"));
+    killed->end(SIGKILL);
+    const auto before = left();
+    ASSERT_THAT(before, SizeIs(1));
+
+    const auto program = start(command);
+    ASSERT_TRUE(says("Exporting… 1"));
+    EXPECT_THAT(left(), SizeIs(1));
+    EXPECT_NE(left(), before);
+    kill(program->pid(), SIGTERM);
+    finish(*program);
+    EXPECT_THAT(left(), IsEmpty());
 }
 
 TEST_F(ProgramTest, aSilentNetworkDoesNotKeepItFromEnding)

@@ -1,6 +1,7 @@
 #include "project/ProjectFile.h"
 
 #include "base/AppError.h"
+#include "project/DurableFile.h"
 #include "project/ProjectLimits.h"
 #include "support/FileSizeLimit.h"
 #include "support/TemporaryFolder.h"
@@ -101,6 +102,29 @@ TEST(ProjectFile, aReaderFindsTheOldOrTheNewFile)
         const auto name = loadProject(folder.path()).name;
         ASSERT_TRUE(name == versions[0].name || name == versions[1].name);
     }
+}
+
+TEST(ProjectFile, whatAKilledProgramLeftIsRemovedWhileOthersSave)
+{
+    const TemporaryFolder folder;
+    const auto file = folder / "project.json";
+    const auto left = folder / ".project.json.0A1B2C3D-0000-4000-8000-000000000000";
+    const std::vector<fs::path> others{ folder / ".project.json.swp", folder / ".clip-1.mov.journal",
+        folder / ".notes.0A1B2C3D-0000-4000-8000-000000000000" };
+    for (const auto& path : others)
+        std::ofstream(path) << "mine";
+    std::jthread writer([&](std::stop_token stop) {
+        while (!stop.stop_requested())
+            EXPECT_NO_THROW(saveProject(named("whole"), folder.path()));
+    });
+    for (int round = 0; round < 300; ++round) {
+        std::ofstream(left) << "half";
+        removeLeftovers(file);
+        ASSERT_FALSE(fs::exists(left));
+    }
+    writer = {};
+    EXPECT_EQ(loadProject(folder.path()).name, "whole");
+    EXPECT_EQ(entries(folder.path()), 1 + others.size());
 }
 
 } // namespace vantry

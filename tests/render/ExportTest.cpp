@@ -1,6 +1,7 @@
 #include "TestProject.h"
 #include "base/AppError.h"
 #include "render/Exporter.h"
+#include "render/PendingFile.h"
 #include "support/FileSizeLimit.h"
 #include "support/MovieProbe.h"
 
@@ -183,6 +184,24 @@ TEST_F(ExportTest, aFullDiskIsSaidInClearWordsAndLeavesNothing)
         EXPECT_THAT(exporting(), ThrowsMessage<AppError>("Could not write Intro.mp4: File too large"));
     }
     EXPECT_TRUE(outcome().empty());
+}
+
+TEST_F(ExportTest, whatAKilledOneLeftIsRemovedAndARunningOneIsNot)
+{
+    const auto left = folder / "out" / ".vantry-export-Xy12Zz", others = folder / "out" / ".vantry-export-of-mine";
+    for (const auto& path : { left, others }) {
+        std::filesystem::create_directory(path);
+        std::ofstream(path / "Intro.mp4") << "half";
+    }
+    PendingFile running(m_destination);
+    std::ofstream(running.path()) << "whole";
+    EXPECT_FALSE(std::filesystem::exists(left));
+    {
+        const PendingFile another(folder / "out" / "Other.mp4");
+    }
+    PendingFile::removeLeftovers(folder / "out");
+    running.moveIntoPlace();
+    EXPECT_THAT(outcome(), testing::UnorderedElementsAre("Intro.mp4", running.path().parent_path().filename(), others.filename()));
 }
 
 TEST_F(ExportTest, aPlaceThatCannotBeWrittenIsSaidAtOnce)
