@@ -45,13 +45,15 @@ struct Viewer {
 
 class CameraStreamTest : public test::EventLoopTest {
 protected:
-    void SetUp() override
+    void SetUp() override { ASSERT_TRUE(isThere(m_camera)); }
+
+    bool isThere(const test::OwnCamera& camera)
     {
-        const MediaDevices devices(m_loop);
-        ASSERT_TRUE(pumpUntil([&] { return devices.list() && devices.list()->hasCamera(m_camera.name()); }));
+        return pumpUntil([&] { return m_devices.list() && m_devices.list()->hasCamera(camera.name()); });
     }
 
     PipeWireLoop m_loop{ "test.camera" };
+    const MediaDevices m_devices{ m_loop };
     const test::OwnCamera m_camera;
 };
 
@@ -89,12 +91,11 @@ TEST_F(CameraStreamTest, opensAndClosesWithoutEnd)
 TEST_F(CameraStreamTest, aCameraIsPulledWhileItIsOpened)
 {
     const test::SpoiledMemory spoiled;
-    const MediaDevices devices(m_loop);
     std::mt19937 random(1);
     std::uniform_int_distribution<> microseconds(0, 5000);
     for (int i = 0; i < 60; ++i) {
         std::optional<test::OwnCamera> camera(std::in_place);
-        ASSERT_TRUE(pumpUntil([&] { return devices.list().hasCamera(camera->name()); }));
+        ASSERT_TRUE(isThere(*camera));
         const Viewer viewer(m_loop, camera->name());
         std::this_thread::sleep_for(std::chrono::microseconds(microseconds(random)));
         camera.reset();
