@@ -62,6 +62,8 @@ struct ClipTrack {
         0; ///< Samples that were taken and not written: too close to the one before, or after a failure.
     EncoderQueue queue; ///< Last: its jobs use the others.
 
+    bool isEmpty() const { return pictures ? pictures->isEmpty() : sounds->isEmpty(); }
+
     TrackCounts counts() const { return { .appended = queue.accepted() - lost, .dropped = queue.dropped() + lost }; }
 };
 
@@ -88,6 +90,7 @@ struct ClipWriter::State {
     PacketSink sinkOf(TrackKind kind);
     void offer(TrackKind kind, std::function<void(ClipTrack&, const PacketSink&)> write);
     void keepUp(HostTime now);
+    bool isLeftOut(TrackKind kind) const;
     void writeOutStillScreen(HostTime now);
     void keepDurable();
     void watchRoom();
@@ -234,7 +237,8 @@ void ClipWriter::State::offer(TrackKind kind, std::function<void(ClipTrack&, con
     });
 }
 
-/// A microphone that is gone leaves silence, and not all of it for the clip's end: an hour of it takes a while to encode.
+/// A microphone that is gone leaves silence, and not all of it for the clip's end: an hour of it takes a while to encode. One that
+/// was never heard leaves no track.
 void ClipWriter::State::keepUp(HostTime now)
 {
     for (const auto kind : { TrackKind::audio, TrackKind::system }) {
@@ -243,10 +247,17 @@ void ClipWriter::State::keepUp(HostTime now)
         if (!sound || now - until < longestSoundDelay || !sound->queue.hasRoom())
             continue;
         until = now - awaitedSound;
-        sound->queue.post([this, sound, sink = sinkOf(kind), end = std::chrono::round<SampleCount>(until - start)] {
-            attempt([&] { sound->sounds->fillUntil(end, sink); });
+        sound->queue.post([this, kind, sound, sink = sinkOf(kind), end = std::chrono::round<SampleCount>(until - start)] {
+            if (!isLeftOut(kind))
+                attempt([&] { sound->sounds->fillUntil(end, sink); });
         });
     }
+}
+
+/// On the track's thread.
+bool ClipWriter::State::isLeftOut(TrackKind kind) const
+{
+    return (kind == TrackKind::camera || kind == TrackKind::audio) && track(kind)->isEmpty();
 }
 
 void ClipWriter::State::writeOutStillScreen(HostTime now)
@@ -288,6 +299,8 @@ void ClipWriter::State::finishTrack(TrackKind kind, HostDuration length)
     attempt([&] {
         ClipTrack& target = *track(kind);
         const auto sink = sinkOf(kind);
+        if (isLeftOut(kind))
+            return;
         if (kind == TrackKind::screen && target.pictures->isEmpty())
             target.pictures->writeBlack(MediaTime::zero(), sink);
         if (target.pictures)

@@ -39,10 +39,11 @@ struct ClipOutcome {
 ///
 /// Screen: HEVC, its pictures at their own times. Camera: H.264. Both fitted into the track's size, with a keyframe less than a
 /// second ahead of every picture. Sounds: AAC, placed by their stamps, silence where there is none. Every track that is in the file
-/// ends where the clip ends: the last picture lasts until then. A camera that delivered nothing has no track in the file; a screen
-/// that delivered nothing is one black picture, so that the first video track is the screen in every clip. While there is a camera
-/// or sound, a picture that stays for two seconds is repeated a few times at once, to have it in the file should the program die.
-/// What is written reaches the disk every two seconds. The journal stays until the caller has put the clip into a project.
+/// ends where the clip ends: the last picture lasts until then. A camera or a microphone that delivered nothing has no track in the
+/// file; a screen that delivered nothing is one black picture, so that the first video track is the screen in every clip. While
+/// there is a camera or sound, a picture that stays for two seconds is repeated a few times at once, to have it in the file should
+/// the program die. What is written reaches the disk every two seconds. The journal stays until the caller has put the clip into a
+/// project.
 ///
 /// `append` and `finish` are called on one thread and never wait. Each track encodes on a thread of its own, another one writes the
 /// file.

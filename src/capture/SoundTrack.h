@@ -16,10 +16,12 @@ public:
     }
 
     const AudioEncoder& encoder() const { return m_encoder; }
+    bool isEmpty() const { return m_isEmpty; }
 
     /// `at` counts from the clip's start. Throws AppError.
     void write(const Sound& sound, HostDuration at, const PacketSink& sink)
     {
+        m_isEmpty = false;
         m_placement.place(sound, at, [&](const Sound& placed) { m_encoder.encode(placed, sink); });
     }
 
@@ -39,6 +41,7 @@ public:
 private:
     AudioEncoder m_encoder;
     SoundPlacement m_placement;
+    bool m_isEmpty = true; ///< But for silence that nobody has delivered.
 };
 
 } // namespace vantry

@@ -154,6 +154,32 @@ TEST_F(RecorderTest, systemSoundIsATrackOfItsOwnWithoutHoles)
     EXPECT_THAT(test::probeStream(file, "a:0"), IsEmpty());
 }
 
+TEST_F(RecorderTest, aMicrophoneThatWasPulledOutHasATrackOnlyIfItComesBack)
+{
+    const auto name = test::uniqueName("microphone");
+    std::optional<test::DeviceProgram> microphone(std::in_place, "testmicrophone", test::DeviceProgram::Arguments{ name, "Desk" });
+    start({}, name);
+    ASSERT_TRUE(pumpUntil([&] { return recorder.session().micPower() > -16; }));
+    microphone.reset();
+    ASSERT_TRUE(pumpUntil([&] { return !troubles.of(CaptureSource::Microphone).empty(); }));
+    EXPECT_THAT(troubles.of(CaptureSource::Microphone), testing::StartsWith("Desk is gone."));
+    // What was heard last must not reach into the clip.
+    ASSERT_TRUE(pumpUntil([later = HostClock::now() + std::chrono::milliseconds(200)] { return HostClock::now() > later; }));
+    record(1);
+    EXPECT_THAT(test::probeStream(file, "a:0"), IsEmpty());
+
+    recorder.beginClip(file);
+    ASSERT_TRUE(goOn(0.5));
+    microphone.emplace("testmicrophone", test::DeviceProgram::Arguments{ name, "Desk" });
+    ASSERT_TRUE(pumpUntil([&] { return recorder.session().micPower() > -16; }));
+    EXPECT_EQ(troubles.of(CaptureSource::Microphone), "");
+    const double length = recorder.endClip().result().value_or(0);
+    EXPECT_NEAR(test::probeEnd(file, "a:0"), length, 0.001);
+    const auto samples = test::probeSound(file, "a:0");
+    EXPECT_LT(test::loudness(std::span(samples).first(sampleRate / 2), 1, 0, 440), 0.01);
+    EXPECT_GT(test::loudness(std::span(samples).last(sampleRate / 20), 1, 0, 440), 0.1);
+}
+
 TEST_F(RecorderTest, whereThereIsNoMediaServerTheScreenIsRecordedAlone)
 {
     test::MediaServer media;
