@@ -34,17 +34,6 @@ QVariantList forViews(const std::vector<MediaDevice>& devices)
     return list;
 }
 
-const MediaDevice* find(const std::vector<MediaDevice>& devices, const std::string& id)
-{
-    const auto found = std::ranges::find(devices, id, &MediaDevice::id);
-    return found == devices.end() ? nullptr : &*found;
-}
-
-bool contains(const std::vector<MediaDevice>& devices, const QString& id)
-{
-    return find(devices, id.toStdString()) != nullptr;
-}
-
 } // namespace
 
 CaptureDevices::CaptureDevices(AppModel& model, Recorder& recorder)
@@ -52,13 +41,15 @@ CaptureDevices::CaptureDevices(AppModel& model, Recorder& recorder)
     , m_recorder(recorder)
     , m_mirror(recorder.session().preview())
     , m_sourceNotices(model, recorder)
+    , m_cameraNotice(model.notices())
     , m_microphoneNotice(model.notices())
+    , m_choice(*model.settings())
 {
     m_meter.setInterval(meterInterval);
     connect(&m_meter, &QTimer::timeout, this, &CaptureDevices::measure);
-    connect(&m_model, &AppModel::phaseChanged, this, &CaptureDevices::tellOfMicrophone);
-    connect(m_model.settings(), &Settings::cameraIDChanged, this, &CaptureDevices::reconfigure);
-    connect(m_model.settings(), &Settings::micIDChanged, this, &CaptureDevices::reconfigure);
+    connect(&m_model, &AppModel::phaseChanged, this, &CaptureDevices::follow);
+    for (const auto change : { &Settings::cameraIDChanged, &Settings::micIDChanged, &Settings::chosenDevicesChanged })
+        connect(m_model.settings(), change, this, &CaptureDevices::reconfigure);
 }
 
 std::optional<Display> CaptureDevices::chosenDisplay() const
@@ -103,32 +94,28 @@ QCoro::Task<> CaptureDevices::listDevices()
 
 void CaptureDevices::take(const MediaDeviceList& devices)
 {
-    const bool isFirst = !std::exchange(m_isListed, true);
+    m_isListed = true;
     const MediaDeviceList before = std::exchange(m_devices, devices);
     if (before.cameras != devices.cameras)
         Q_EMIT camerasChanged();
     if (before.microphones != devices.microphones)
         Q_EMIT micsChanged();
-    // Later a choice that is not there is kept: what was unplugged comes back.
-    Settings& settings = *m_model.settings();
-    if (isFirst ? !contains(devices.cameras, settings.cameraID()) : settings.cameraID().isEmpty())
-        settings.setCameraID(devices.cameras.empty() ? QString() : QString::fromStdString(devices.cameras.front().id));
-    if (isFirst && !settings.micID().isEmpty())
-        m_microphoneNotice.warn(microphoneTrouble().value_or(QString()));
-    if (isFirst ? !contains(devices.microphones, settings.micID()) : settings.micID().isEmpty())
-        settings.setMicID(QString::fromStdString(devices.defaultMicrophone.value_or(std::string())));
-    reconfigure();
-    if (m_model.phase().isCountdown())
-        tellOfMicrophone();
+    m_choice.setDevices(devices);
+    follow();
 }
 
-/// While a clip is recorded it stays as it was when that began, and so does what is said of it.
-void CaptureDevices::tellOfMicrophone()
+/// A clip keeps the devices that it was begun with: one that vanishes leaves a gap until it is back.
+bool CaptureDevices::isRecording() const
 {
-    if (m_model.phase().isCountdown())
-        m_microphoneNotice.warn(microphoneTrouble().value_or(QString()));
-    else if (m_model.isIdle())
-        m_microphoneNotice.clear();
+    return m_model.phase() == Phase::recording() || m_model.phase() == Phase::saving();
+}
+
+/// What came or went meanwhile counts when the clip has ended.
+void CaptureDevices::follow()
+{
+    if (m_isListed && !isRecording())
+        m_choice.choose();
+    reconfigure();
 }
 
 void CaptureDevices::startCamera()
@@ -149,38 +136,29 @@ void CaptureDevices::stopCamera()
 
 void CaptureDevices::configure()
 {
-    std::optional<std::string> camera;
-    if (contains(m_devices.cameras, m_model.settings()->cameraID()))
-        camera = m_model.settings()->cameraID().toStdString();
-    else if (!m_devices.cameras.empty())
-        camera = m_devices.cameras.front().id;
-    const MediaDevice* mic = microphone();
-    m_recorder.session().configure(camera, mic ? std::optional(mic->id) : std::nullopt);
+    const auto idOf = [](const MediaDevice* device) { return device ? std::optional(device->id) : std::nullopt; };
+    m_recorder.session().configure(idOf(m_choice.camera()), idOf(m_choice.microphone()));
 }
 
-/// The chosen one, else the system's own.
-const MediaDevice* CaptureDevices::microphone() const
-{
-    const MediaDevice* chosen = find(m_devices.microphones, m_model.settings()->micID().toStdString());
-    return chosen || !m_devices.defaultMicrophone ? chosen : find(m_devices.microphones, *m_devices.defaultMicrophone);
-}
-
-std::optional<QString> CaptureDevices::microphoneTrouble() const
-{
-    const MediaDevice* mic = microphone();
-    if (!mic)
-        return u"No microphone was found: your voice is not recorded."_s;
-    const QString chosen = m_model.settings()->micID();
-    if (chosen.isEmpty() || chosen.toStdString() == mic->id)
-        return std::nullopt;
-    return "The chosen microphone is not there: "_L1 + QString::fromStdString(mic->name) + " is recorded."_L1;
-}
-
-/// A clip keeps the devices that it was begun with: one that vanishes leaves a gap until it is back.
 void CaptureDevices::reconfigure()
 {
-    if (m_isRunning && (m_model.isIdle() || m_model.phase().isCountdown()))
+    if (isRecording())
+        return;
+    if (m_isRunning)
         configure();
+    tell();
+}
+
+/// Who edits needs no devices.
+void CaptureDevices::tell()
+{
+    const bool isCountdown = m_model.phase().isCountdown();
+    const bool isOfInterest = isCountdown || (m_model.phase() == Phase::setup() && m_isListed);
+    const auto camera = isOfInterest ? m_choice.cameraTrouble() : std::nullopt;
+    const bool isMicrophoneOfInterest = isCountdown || (isOfInterest && m_choice.isMicrophoneExpected());
+    const auto microphone = isMicrophoneOfInterest ? m_choice.microphoneTrouble() : std::nullopt;
+    m_cameraNotice.warn(camera.value_or(QString()));
+    m_microphoneNotice.warn(microphone.value_or(QString()));
 }
 
 void CaptureDevices::measure()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/CameraMirror.h"
+#include "model/DeviceChoice.h"
 #include "model/Notices.h"
 #include "model/SourceNotices.h"
 #include "platform/Displays.h"
@@ -49,15 +50,13 @@ public:
     void listDisplays();
 
     /// Finds cameras and microphones, and chooses others where the chosen ones are not among them. From then on the lists follow
-    /// what comes and goes. Done when they are known, or when there is no media server, which the status tells.
+    /// what comes and goes, and so does the choice while nothing is recorded. Done when they are known, or when there is no media
+    /// server, which the status tells.
     QCoro::Task<> listDevices();
 
     /// Opens the chosen camera and microphone, else the first and the system's own, now and whenever the choice changes.
     void startCamera();
     void stopCamera();
-
-    /// For the user: that there is no microphone, or another one than the chosen one. Nothing when it is as chosen.
-    std::optional<QString> microphoneTrouble() const;
 
     /// Keeps `micLevel` up to date.
     void startMeter() { m_meter.start(); }
@@ -72,20 +71,23 @@ private:
     QVariantList camerasForViews() const;
     QVariantList micsForViews() const;
     void take(const MediaDeviceList& devices);
-    const MediaDevice* microphone() const;
+    bool isRecording() const;
+    void follow();
     void configure();
     void reconfigure();
-    void tellOfMicrophone();
+    void tell();
     void measure();
 
     AppModel& m_model;
     Recorder& m_recorder;
     CameraMirror m_mirror;
     SourceNotices m_sourceNotices;
+    Notice m_cameraNotice;
     Notice m_microphoneNotice;
     QTimer m_meter;
     std::vector<Display> m_displays;
     MediaDeviceList m_devices;
+    DeviceChoice m_choice;
     double m_micLevel = 0;
     std::optional<QFuture<bool>> m_listing; ///< Whether there is a media server.
     bool m_isListed = false;

@@ -83,6 +83,8 @@ Settings::Settings(const std::filesystem::path& file)
     , m_displayID(integer<std::uint32_t>(m_file.value("displayID"), 0))
     , m_cameraID(m_file.value("cameraID").toString())
     , m_micID(m_file.value("micID").toString())
+    , m_chosenCameraID(m_file.value("chosenCameraID", m_cameraID).toString())
+    , m_chosenMicID(m_file.value("chosenMicID", m_micID).toString())
     , m_setupLayout(named(m_file.value("layout"), Layout::camera))
     , m_setupCorner(named(m_file.value("corner"), Corner::bottomRight))
     , m_setupBubble(number(m_file.value("bubble"), 0.26))
@@ -107,13 +109,32 @@ void Settings::setDisplayID(std::uint32_t value)
 
 void Settings::setCameraID(const QString& value)
 {
+    const bool isNew = changeTo(m_chosenCameraID, value);
+    useCamera(value);
+    if (isNew)
+        Q_EMIT chosenDevicesChanged();
+}
+
+void Settings::setMicID(const QString& value)
+{
+    const bool isNew = changeTo(m_chosenMicID, value);
+    useMic(value);
+    if (isNew)
+        Q_EMIT chosenDevicesChanged();
+}
+
+/// A file that knows of no choice yet had only what was used: that is remembered before it is overwritten.
+void Settings::useCamera(const QString& value)
+{
+    m_file.setValue("chosenCameraID", m_chosenCameraID);
     m_file.setValue("cameraID", value);
     if (changeTo(m_cameraID, value))
         Q_EMIT cameraIDChanged();
 }
 
-void Settings::setMicID(const QString& value)
+void Settings::useMic(const QString& value)
 {
+    m_file.setValue("chosenMicID", m_chosenMicID);
     m_file.setValue("micID", value);
     if (changeTo(m_micID, value))
         Q_EMIT micIDChanged();

@@ -37,8 +37,14 @@ public:
     static std::filesystem::path defaultFile();
 
     std::uint32_t displayID() const { return m_displayID; }
+
+    /// What is recorded from.
     QString cameraID() const { return m_cameraID; }
     QString micID() const { return m_micID; }
+
+    /// What the user chose last, be it there or not; empty when that was left to us.
+    QString chosenCameraID() const { return m_chosenCameraID; }
+    QString chosenMicID() const { return m_chosenMicID; }
     Layout setupLayout() const { return m_setupLayout; }
     Corner setupCorner() const { return m_setupCorner; }
 
@@ -61,8 +67,10 @@ public:
     SpeechModelSize speechModel() const { return m_speechModel; }
 
     void setDisplayID(std::uint32_t value);
-    void setCameraID(const QString& value);
-    void setMicID(const QString& value);
+    void setCameraID(const QString& value); ///< The user's choice.
+    void setMicID(const QString& value); ///< The same.
+    void useCamera(const QString& value); ///< While there is no choice, or not what was chosen.
+    void useMic(const QString& value);
     void setSetupLayout(Layout value);
     void setSetupCorner(Corner value);
     void setSetupBubble(double value);
@@ -79,6 +87,7 @@ Q_SIGNALS:
     void displayIDChanged();
     void cameraIDChanged();
     void micIDChanged();
+    void chosenDevicesChanged();
     void setupLayoutChanged();
     void setupCornerChanged();
     void setupBubbleChanged();
@@ -96,6 +105,8 @@ private:
     std::uint32_t m_displayID;
     QString m_cameraID;
     QString m_micID;
+    QString m_chosenCameraID;
+    QString m_chosenMicID;
     Layout m_setupLayout;
     Corner m_setupCorner;
     double m_setupBubble;

@@ -3,6 +3,7 @@
 #include "model/ModelTest.h"
 #include "support/DeviceProgram.h"
 #include "support/MediaServer.h"
+#include "support/XServer.h"
 
 #include <QCoroTask>
 
@@ -46,7 +47,10 @@ TEST_F(CaptureDevicesTest, aChoiceThatIsNotThereGivesWayAtTheStartOnly)
     EXPECT_EQ(m_settings.cameraID().toStdString(), m_devices.cameras().front().id);
     EXPECT_EQ(m_settings.micID(), u"test-microphone"_s);
     EXPECT_EQ(m_model.status(), u"The chosen microphone is not there: Test microphone is recorded."_s);
-    EXPECT_EQ(m_devices.microphoneTrouble(), std::nullopt) << "it is the chosen one now";
+    m_settings.setMicID(m_settings.micID());
+    EXPECT_EQ(m_model.status(),
+        "The chosen camera is not there: "_L1 + QString::fromStdString(m_devices.cameras().front().name) + " is recorded."_L1)
+        << "the other one is the choice now";
 
     {
         const test::OwnCamera camera;
@@ -56,9 +60,33 @@ TEST_F(CaptureDevicesTest, aChoiceThatIsNotThereGivesWayAtTheStartOnly)
     EXPECT_TRUE(pumpUntil([&] { return !hasCamera(m_settings.cameraID().toStdString()); }))
         << "what was unplugged is listed no more";
     EXPECT_THAT(m_settings.cameraID().toStdString(), HasSubstr("camera-")) << "and comes back";
+}
 
-    m_settings.setMicID(u"unplugged microphone"_s);
-    EXPECT_EQ(m_devices.microphoneTrouble(), u"The chosen microphone is not there: Test microphone is recorded."_s);
+TEST_F(CaptureDevicesTest, aChoiceThatComesLateIsTakenUpAgainWhileNothingIsRecorded)
+{
+    const test::MediaServer server; // where nothing is plugged in yet
+    const test::XServer screen{ 320, 240 };
+    m_settings.setCameraID(u"desk-camera"_s);
+    m_settings.setMicID(u"desk-microphone"_s);
+    list();
+    EXPECT_EQ(m_settings.cameraID(), u""_s);
+    EXPECT_EQ(m_model.status(), u"No microphone was found: your voice is not recorded."_s);
+    const test::DeviceProgram microphone("testmicrophone", { "desk-microphone" });
+    EXPECT_TRUE(pumpUntil([&] { return m_settings.micID() == u"desk-microphone"_s; }));
+    EXPECT_EQ(m_model.status(), u"The chosen camera is not there: no camera is recorded."_s);
+    const test::DeviceProgram otherCamera("testcamera", { "other-camera", "Built in" });
+    EXPECT_TRUE(pumpUntil([&] { return m_settings.cameraID() == u"other-camera"_s; }));
+    EXPECT_EQ(m_model.status(), u"The chosen camera is not there: Built in is recorded."_s);
+
+    m_model.record();
+    ASSERT_TRUE(pumpUntil([&] { return m_model.phase() == Phase::recording(); })) << alert();
+    const test::DeviceProgram camera("testcamera", { "desk-camera" });
+    ASSERT_TRUE(pumpUntil([&] { return hasCamera("desk-camera"); }));
+    EXPECT_EQ(m_settings.cameraID(), u"other-camera"_s);
+    m_model.stop(0);
+    ASSERT_TRUE(pumpUntil([&] { return m_model.phase() == Phase::editing(); })) << alert();
+    EXPECT_EQ(m_settings.cameraID(), u"desk-camera"_s);
+    EXPECT_EQ(m_model.status(), std::nullopt);
 }
 
 TEST_F(CaptureDevicesTest, aRunningCameraFollowsTheChoice)

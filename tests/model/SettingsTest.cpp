@@ -68,6 +68,22 @@ TEST_F(SettingsTest, theFileHasTheKnownKeysAndFormsAndACommaNeedsNoQuotes)
         "model=a,b\ntokensPath=~/my,own/tokens\nspeechLocale=nb-NO\nscreen topLeft small 0 0.25 1 0.75");
 }
 
+TEST_F(SettingsTest, whatIsUsedInsteadOfAChoiceIsNoChoice)
+{
+    write("cameraID=cam\nmicID=mic\n");
+    {
+        Settings settings(m_file);
+        settings.useCamera(QStringLiteral("other"));
+        settings.setMicID(QStringLiteral("headset"));
+        settings.useMic({});
+    }
+    const Settings settings(m_file);
+    EXPECT_EQ(settings.cameraID(), QStringLiteral("other"));
+    EXPECT_EQ(settings.chosenCameraID(), QStringLiteral("cam"));
+    EXPECT_EQ(settings.micID(), QString());
+    EXPECT_EQ(settings.chosenMicID(), QStringLiteral("headset"));
+}
+
 TEST_F(SettingsTest, everyAssignmentIsThereAfterARestart)
 {
     std::string assigned;
