@@ -129,7 +129,7 @@ Cost ExportBench::limit(const std::vector<Picture>& frames) const
 {
     return costOf([&] {
         const auto decode = [&](int track) {
-            VideoReader reader(file("clip-1.mov"), track, {});
+            VideoReader reader(file("clip-1.mov"), track);
             while (reader.next()) { }
         };
         std::jthread screen(decode, 0), camera(decode, 1);

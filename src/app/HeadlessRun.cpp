@@ -109,6 +109,8 @@ QCoro::Task<int> HeadlessRun::exportVideo()
     m_progress.end();
     switch (outcome) {
     case ExportFlow::Outcome::Done:
+        if (const QString& damage = m_model.exporting().damage(); !damage.isEmpty())
+            say("vantry: "_L1 + damage);
         std::printf("%s\n", m_destination.c_str());
         co_return EXIT_SUCCESS;
     case ExportFlow::Outcome::Cancelled:

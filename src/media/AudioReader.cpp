@@ -3,6 +3,7 @@
 #include "media/Decoder.h"
 
 #include <array>
+#include <utility>
 
 namespace vantry {
 
@@ -76,8 +77,9 @@ void trim(TimedSound& sound, MediaTime start)
 
 } // namespace
 
-AudioReader::AudioReader(const std::filesystem::path& movie, int track, int channels)
-    : m_state(new State{ .decoder = { movie, track, { .media = TrackMedia::Audio } }, .channels = channels })
+AudioReader::AudioReader(const std::filesystem::path& movie, int track, int channels, DamageSink onDamage)
+    : m_state(new State{
+        .decoder = { movie, track, { .media = TrackMedia::Audio, .onDamage = std::move(onDamage) } }, .channels = channels })
 {
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "media/Damage.h"
 #include "media/Sound.h"
 #include "media/TrackInfo.h"
 
@@ -14,18 +15,18 @@ struct TimedSound {
     MediaTime time{}; ///< Of its first sample.
 };
 
-/// Reads one audio track as floats at `sampleRate`, with as many channels as asked for. Encoder priming is cut off. One thread at a
-/// time.
+/// Reads one audio track as floats at `sampleRate`, with as many channels as asked for. Encoder priming is cut off, damage left
+/// out. One thread at a time.
 class AudioReader {
 public:
     /// Throws AppError when the movie cannot be opened or has no such audio track.
-    AudioReader(const std::filesystem::path& movie, int track, int channels);
+    AudioReader(const std::filesystem::path& movie, int track, int channels, DamageSink onDamage = {});
     ~AudioReader();
 
     /// The next call of `next` gives the sound that holds `time`, or the first after it.
     void seek(MediaTime time);
 
-    /// Nothing at the end of the track. Throws AppError when the movie is damaged beyond decoding.
+    /// Nothing at the end of the track. Throws AppError.
     std::optional<TimedSound> next();
 
 private:

@@ -3,6 +3,7 @@
 #include "media/QuickTimeBoxes.h"
 
 #include <algorithm>
+#include <span>
 #include <string_view>
 
 namespace vantry {
@@ -56,6 +57,22 @@ bool isQuickTime(const AVFormatContext& input)
     return std::string_view(input.iformat->name).starts_with("mov");
 }
 
+/// Looks into the packets for what the header leaves open. What it says of sound counts: a damaged packet may say anything.
+void findStreamInfo(AVFormatContext& input, const std::string& complaint)
+{
+    const auto streams = std::span(input.streams, input.nb_streams);
+    std::vector<libav::ParametersPtr> declared(streams.size());
+    for (std::size_t i = 0; isQuickTime(input) && i < streams.size(); ++i)
+        if (streams[i]->codecpar->sample_rate > 0 && streams[i]->codecpar->ch_layout.nb_channels > 0) {
+            declared[i] = libav::makeParameters();
+            libav::check(avcodec_parameters_copy(declared[i].get(), streams[i]->codecpar), complaint);
+        }
+    libav::check(avformat_find_stream_info(&input, nullptr), complaint);
+    for (std::size_t i = 0; i < declared.size(); ++i)
+        if (declared[i])
+            libav::check(avcodec_parameters_copy(input.streams[i]->codecpar, declared[i].get()), complaint);
+}
+
 } // namespace
 
 Demuxer::Demuxer(const std::filesystem::path& movie)
@@ -63,9 +80,9 @@ Demuxer::Demuxer(const std::filesystem::path& movie)
     , m_input(open(movie, m_complaint))
 {
     // The library opens a movie that was cut off as long as it finds something, and then shows less than was recorded.
-    if (isQuickTime(*m_input) && isCutOff(movie))
+    if (isQuickTime(*m_input) && isIndexCutOff(movie))
         throw AppError(m_complaint + ": The end of the file is missing");
-    libav::check(avformat_find_stream_info(m_input.get(), nullptr), m_complaint);
+    findStreamInfo(*m_input, m_complaint);
 }
 
 std::vector<TrackInfo> Demuxer::tracks() const
@@ -100,17 +117,47 @@ bool Demuxer::next(AVPacket& packet)
     for (;;) {
         av_packet_unref(&packet);
         const int result = av_read_frame(m_input.get(), &packet);
-        if (result == AVERROR_EOF)
+        if (result < 0 && result != AVERROR(ENOMEM) && makeUp(packet))
+            return true;
+        if (result == AVERROR_EOF || (result < 0 && isReadUp()))
             return false;
         libav::check(result, m_complaint);
-        if (packet.stream_index == m_track)
-            return true;
+        if (packet.stream_index != m_track)
+            continue;
+        m_following = av_index_search_timestamp(track(), packet.dts, AVSEEK_FLAG_ANY) + 1;
+        return true;
     }
+}
+
+/// Nothing follows in the index.
+bool Demuxer::isReadUp() const
+{
+    return isQuickTime(*m_input) && m_following > 0 && m_following == avformat_index_get_entries_count(track());
+}
+
+/// What the index says of a packet that could not be read; the one after it is next. False when there is none.
+bool Demuxer::makeUp(AVPacket& packet)
+{
+    const auto* missing = avformat_index_get_entry(track(), m_following);
+    if (!isQuickTime(*m_input) || !missing)
+        return false;
+    m_input->pb->error = 0; // Else nothing is read any more.
+    packet.stream_index = m_track;
+    packet.pts = packet.dts = missing->timestamp;
+    packet.flags = AV_PKT_FLAG_CORRUPT;
+    ++m_following;
+    const auto* next = avformat_index_get_entry(track(), m_following);
+    packet.duration = std::max<std::int64_t>((next ? next->timestamp : stream().start_time + stream().duration) - packet.pts, 0);
+    // The library reads what a disk refuses again and again.
+    if (next)
+        av_seek_frame(m_input.get(), m_track, next->timestamp, AVSEEK_FLAG_ANY);
+    return true;
 }
 
 void Demuxer::seek(MediaTime time)
 {
     const auto target = av_rescale_q_rnd(time.count(), mediaTimeBase, stream().time_base, AV_ROUND_DOWN);
+    m_following = std::max(av_index_search_timestamp(track(), target, AVSEEK_FLAG_BACKWARD), 0);
     if (av_seek_frame(m_input.get(), m_track, target, AVSEEK_FLAG_BACKWARD) >= 0)
         return;
     // Nothing that early: the first keyframe.

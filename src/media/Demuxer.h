@@ -21,10 +21,11 @@ public:
     void select(int track, TrackMedia media);
 
     /// The selected track.
-    const AVStream& stream() const { return *m_input->streams[m_track]; }
+    const AVStream& stream() const { return *track(); }
     MediaTime time(std::int64_t streamTime) const;
 
-    /// False at the end of the track. Throws AppError.
+    /// False at the end of the track. What the file promises and does not give, because the disk refuses it or the file's end is
+    /// missing, comes as packets that are empty, flagged as corrupt, and have their times. Throws AppError.
     bool next(AVPacket& packet);
 
     /// Goes to a keyframe at or before `time` in decoding order, or to the first one there is. Throws AppError.
@@ -34,9 +35,14 @@ public:
     const std::string& complaint() const { return m_complaint; }
 
 private:
+    AVStream* track() const { return m_input->streams[m_track]; }
+    bool isReadUp() const;
+    bool makeUp(AVPacket& packet);
+
     std::string m_complaint;
     libav::InputPtr m_input;
     int m_track = -1;
+    int m_following = 0; ///< Which of the file's index comes next.
 };
 
 } // namespace vantry

@@ -55,4 +55,12 @@ PacketPtr makePacket()
     return packet;
 }
 
+ParametersPtr makeParameters()
+{
+    ParametersPtr parameters(avcodec_parameters_alloc());
+    if (!parameters)
+        throw std::bad_alloc();
+    return parameters;
+}
+
 } // namespace vantry::libav

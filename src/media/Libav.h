@@ -29,6 +29,7 @@ struct Deleter {
 using FramePtr = std::unique_ptr<AVFrame, Deleter<av_frame_free>>;
 using PacketPtr = std::unique_ptr<AVPacket, Deleter<av_packet_free>>;
 using CodecContextPtr = std::unique_ptr<AVCodecContext, Deleter<avcodec_free_context>>;
+using ParametersPtr = std::unique_ptr<AVCodecParameters, Deleter<avcodec_parameters_free>>;
 using InputPtr = std::unique_ptr<AVFormatContext, Deleter<avformat_close_input>>;
 struct ScalerDeleter {
     void operator()(SwsContext* scaler) const { sws_freeContext(scaler); }
@@ -45,5 +46,6 @@ int check(int code, const std::string& what);
 /// Throws when the library had no memory.
 [[nodiscard]] FramePtr makeFrame();
 [[nodiscard]] PacketPtr makePacket();
+[[nodiscard]] ParametersPtr makeParameters();
 
 } // namespace vantry::libav

@@ -16,14 +16,6 @@ void OutputDeleter::operator()(AVFormatContext* output) const
     avformat_free_context(output);
 }
 
-ParametersPtr makeParameters()
-{
-    ParametersPtr parameters(avcodec_parameters_alloc());
-    if (!parameters)
-        throw std::bad_alloc();
-    return parameters;
-}
-
 OutputPtr makeOutput(MovieFormat format, const std::string& url, const std::string& what)
 {
     AVFormatContext* output = nullptr;

@@ -15,9 +15,6 @@ struct OutputDeleter {
 };
 using OutputPtr = std::unique_ptr<AVFormatContext, OutputDeleter>;
 
-using ParametersPtr = std::unique_ptr<AVCodecParameters, Deleter<avcodec_parameters_free>>;
-[[nodiscard]] ParametersPtr makeParameters();
-
 [[nodiscard]] OutputPtr makeOutput(MovieFormat format, const std::string& url, const std::string& what);
 
 /// A track of packets whose times are in `timeBase`; from the header on they are to be in the stream's own.

@@ -38,7 +38,7 @@ std::optional<Box> readBox(std::istream& file)
 
 } // namespace
 
-bool isCutOff(const std::filesystem::path& movie)
+bool isIndexCutOff(const std::filesystem::path& movie)
 {
     std::error_code unreadable;
     const auto end = std::filesystem::file_size(movie, unreadable);
@@ -53,6 +53,8 @@ bool isCutOff(const std::filesystem::path& movie)
             return false;
         if (!box || box->size < smallest || box->size > end - at)
             return true;
+        if (box->is("moov"))
+            return false;
         at += box->size;
     }
     return false;

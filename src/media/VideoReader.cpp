@@ -3,7 +3,9 @@
 #include "media/Decoder.h"
 #include "media/PictureConverter.h"
 
+#include <algorithm>
 #include <deque>
+#include <utility>
 
 namespace vantry {
 
@@ -15,20 +17,22 @@ struct VideoReader::State {
     std::deque<libav::FramePtr> ready{}; ///< Decoded while seeking, not given out yet.
 };
 
-/// Goes there. A keyframe that is decoded before `time` may be shown after it: then the one before it is needed.
+/// Goes there. A keyframe that is decoded before `time` may be shown after it, or be damaged: then one before it is needed.
 libav::FramePtr VideoReader::State::keyframeBefore(MediaTime time)
 {
     ready.clear();
-    for (auto from = time;; from -= std::chrono::seconds(1)) {
+    auto from = time;
+    for (MediaTime step = std::chrono::seconds(1);; step *= 2) {
         decoder.seek(from);
         auto keyframe = decoder.next();
-        if (!keyframe || decoder.time(*keyframe) <= time || from <= decoder.start())
+        if ((keyframe && decoder.time(*keyframe) <= time) || from <= decoder.start())
             return keyframe;
+        from = std::max(from - step, decoder.start());
     }
 }
 
-VideoReader::VideoReader(const std::filesystem::path& movie, int track, Options options)
-    : m_state(new State{ .decoder = { movie, track, { .media = TrackMedia::Video, .threads = options.threads } } })
+VideoReader::VideoReader(const std::filesystem::path& movie, int track, DamageSink onDamage)
+    : m_state(new State{ .decoder = { movie, track, { .media = TrackMedia::Video, .onDamage = std::move(onDamage) } } })
 {
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "media/Damage.h"
 #include "media/Picture.h"
 #include "media/TrackInfo.h"
 
@@ -14,15 +15,12 @@ struct TimedPicture {
     MediaTime time{}; ///< When it is first shown.
 };
 
-/// Reads the pictures of one track in the order they are shown, whatever its codec and pixel format. One thread at a time.
+/// Reads the pictures of one track in the order they are shown, whatever its codec and pixel format. Damage is left out, with what
+/// needs it: up to the next keyframe. One thread at a time.
 class VideoReader {
 public:
-    struct Options {
-        int threads = 1; ///< How many cores the decoder may use.
-    };
-
     /// Throws AppError when the movie cannot be opened or has no such video track.
-    VideoReader(const std::filesystem::path& movie, int track, Options options);
+    VideoReader(const std::filesystem::path& movie, int track, DamageSink onDamage = {});
     ~VideoReader();
 
     /// The next call of `next` gives the newest picture at or before `time`, or the first one there is.
@@ -31,7 +29,7 @@ public:
     /// The next call of `next` gives a keyframe at or before `time`, or the first picture there is.
     void seekKeyframe(MediaTime time);
 
-    /// Nothing at the end of the track. Throws AppError when the movie is damaged beyond decoding.
+    /// Nothing at the end of the track. Throws AppError.
     std::optional<TimedPicture> next();
 
 private:

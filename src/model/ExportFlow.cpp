@@ -3,6 +3,7 @@
 #include "base/Background.h"
 #include "model/AppModel.h"
 #include "model/Coroutines.h"
+#include "model/DamageText.h"
 #include "model/DetailsFile.h"
 #include "model/Paths.h"
 #include "render/Exporter.h"
@@ -22,10 +23,11 @@ ExportFlow::ExportFlow(AppModel& model, Reveal reveal)
     : m_model(model)
     , m_reveal(std::move(reveal))
     , m_notice(model.notices())
+    , m_damage(model.notices())
 {
     m_poll.setInterval(300ms);
     connect(&m_poll, &QTimer::timeout, this, &ExportFlow::showProgress);
-    connect(&m_model, &AppModel::folderChanged, this, [this] { m_notice.clear(); });
+    connect(&m_model, &AppModel::folderChanged, this, &ExportFlow::clearNotices);
 }
 
 ExportFlow::~ExportFlow()
@@ -56,11 +58,14 @@ QCoro::Task<ExportFlow::Outcome> ExportFlow::run(std::filesystem::path file, int
     const YouTubeInfo details = options.project.youtube;
     Outcome outcome = Outcome::Done;
     QString failure;
+    std::vector<Damage> damage;
     try {
         options.images = co_await m_model.overlayImages(options.cancel);
         if (!self)
             co_return Outcome::Cancelled;
-        outcome = co_await makeVideo(std::move(options));
+        ExportResult result = co_await makeVideo(std::move(options));
+        outcome = result.outcome == ExportOutcome::Finished ? Outcome::Done : Outcome::Cancelled;
+        damage = std::move(result.damage);
     } catch (const std::exception& error) {
         outcome = Outcome::Failed;
         failure = describe(error);
@@ -70,8 +75,10 @@ QCoro::Task<ExportFlow::Outcome> ExportFlow::run(std::filesystem::path file, int
     end();
     if (outcome == Outcome::Failed)
         fail(failure);
-    if (outcome == Outcome::Done)
+    if (outcome == Outcome::Done) {
+        m_damage.warn(damageText(damage));
         deliver(details, file);
+    }
     co_return outcome;
 }
 
@@ -88,11 +95,9 @@ ExportOptions ExportFlow::optionsFor(const std::filesystem::path& file, int heig
 }
 
 /// On the worker, so that the views stay alive meanwhile.
-QFuture<ExportFlow::Outcome> ExportFlow::makeVideo(ExportOptions options)
+QFuture<ExportResult> ExportFlow::makeVideo(ExportOptions options)
 {
-    return inBackground(m_worker, [options = std::move(options)] {
-        return Video::exportProject(options) == ExportOutcome::Finished ? Outcome::Done : Outcome::Cancelled;
-    });
+    return inBackground(m_worker, [options = std::move(options)] { return Video::exportProject(options); });
 }
 
 void ExportFlow::deliver(const YouTubeInfo& info, const std::filesystem::path& video)
@@ -101,6 +106,12 @@ void ExportFlow::deliver(const YouTubeInfo& info, const std::filesystem::path& v
     m_notice.tell("Exported to "_L1 + text(video));
     if (m_reveal)
         m_reveal(video);
+}
+
+void ExportFlow::clearNotices()
+{
+    m_notice.clear();
+    m_damage.clear();
 }
 
 void ExportFlow::fail(const QString& description)
@@ -125,7 +136,7 @@ void ExportFlow::begin()
     m_running = true;
     m_cancel = std::stop_source();
     *m_fraction = 0;
-    m_notice.clear();
+    clearNotices();
     m_model.setExportProgress(0);
     m_model.setBusy(u"Exporting…"_s);
     m_poll.start();

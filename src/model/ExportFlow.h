@@ -39,6 +39,9 @@ public:
     /// The same at another height, in pixels, and waits for the end. Why it failed stands in the model's alert.
     QCoro::Task<Outcome> run(std::filesystem::path file, int height);
 
+    /// What of the clips could not be read and is missing in the video that was made last. Empty when nothing is.
+    const QString& damage() const { return m_damage.text(); }
+
     /// Ends the running export soon; the file of the chosen name stays what it was.
     void cancel();
 
@@ -51,8 +54,9 @@ Q_SIGNALS:
 private:
     QCoro::Task<> runWithSettings(std::filesystem::path file);
     ExportOptions optionsFor(const std::filesystem::path& file, int height) const;
-    QFuture<Outcome> makeVideo(ExportOptions options);
+    QFuture<ExportResult> makeVideo(ExportOptions options);
     void deliver(const YouTubeInfo& info, const std::filesystem::path& video);
+    void clearNotices();
     void fail(const QString& description);
     void begin();
     void end();
@@ -62,6 +66,7 @@ private:
     const Reveal m_reveal;
     QTimer m_poll;
     Notice m_notice;
+    Notice m_damage;
     bool m_running = false;
     std::stop_source m_cancel;
 

@@ -4,9 +4,9 @@
 
 namespace vantry {
 
-AudioMix::AudioMix(const CompositionPlan& plan, SampleCount from)
-    : m_microphone(plan.segmentsOf(TrackKind::audio), from)
-    , m_system(plan.segmentsOf(TrackKind::system), from)
+AudioMix::AudioMix(const CompositionPlan& plan, SampleCount from, DamageLog* damage)
+    : m_microphone(plan.segmentsOf(TrackKind::audio), from, damage)
+    , m_system(plan.segmentsOf(TrackKind::system), from, damage)
     , m_systemVolume(plan.systemVolume)
 {
 }

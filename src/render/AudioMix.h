@@ -8,7 +8,8 @@ namespace vantry {
 /// time.
 class AudioMix {
 public:
-    explicit AudioMix(const CompositionPlan& plan, SampleCount from = {});
+    /// Damage is noted where that is wanted; the log outlives the object.
+    explicit AudioMix(const CompositionPlan& plan, SampleCount from = {}, DamageLog* damage = nullptr);
 
     /// The next stretch in stereo, from `from` on; never louder than full scale. Throws AppError.
     Sound next(SampleCount length);

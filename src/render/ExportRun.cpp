@@ -46,7 +46,7 @@ ExportRun::ExportRun(const ExportOptions& options, CompositionPlan plan, const s
     m_muxer.start();
 }
 
-ExportOutcome ExportRun::run()
+ExportResult ExportRun::run()
 {
     {
         const std::stop_callback onCancel(m_options.cancel, [this] { m_sound.abandon(); });
@@ -57,7 +57,8 @@ ExportOutcome ExportRun::run()
     }
     if (m_error)
         std::rethrow_exception(m_error);
-    return m_options.cancel.stop_requested() ? ExportOutcome::Cancelled : ExportOutcome::Finished;
+    return { .outcome = m_options.cancel.stop_requested() ? ExportOutcome::Cancelled : ExportOutcome::Finished,
+        .damage = m_damage.found() };
 }
 
 void ExportRun::runStage(const std::function<void()>& stage)
@@ -76,7 +77,7 @@ void ExportRun::runStage(const std::function<void()>& stage)
 
 void ExportRun::encodeSound()
 {
-    AudioMix mix(m_plan);
+    AudioMix mix(m_plan, {}, &m_damage);
     const auto end = std::chrono::round<SampleCount>(m_plan.duration);
     SampleCount position{};
     for (std::int64_t frame = 0; frame < m_frameCount; ++frame) {

@@ -5,6 +5,7 @@
 #include "media/Muxer.h"
 #include "media/VideoEncoder.h"
 #include "render/CompositionPlan.h"
+#include "render/DamageLog.h"
 #include "render/Exporter.h"
 #include "render/FrameMaker.h"
 
@@ -26,7 +27,7 @@ public:
 
     /// Once. The calling thread encodes the pictures and writes the file. Throws AppError; an incomplete file is left then, and
     /// when it was cancelled.
-    ExportOutcome run();
+    ExportResult run();
 
 private:
     using SoundPackets = std::vector<Packet>; ///< The sound of one frame: none, one or two packets.
@@ -45,6 +46,8 @@ private:
 
     BoundedQueue<SoundPackets> m_sound; ///< Between the stages; closed when the export is given up.
 
+    DamageLog m_damage;
+
     std::mutex m_errorMutex;
     std::exception_ptr m_error; ///< The first; guarded by the mutex.
 
@@ -52,7 +55,7 @@ private:
     std::optional<AudioEncoder> m_soundEncoder; ///< None in a silent project.
 
     // Belongs to the exporting thread.
-    FrameMaker m_frames{ "export" };
+    FrameMaker m_frames{ "export", { .damage = &m_damage } };
     VideoEncoder m_encoder;
     Muxer m_muxer;
     int m_pictureTrack = -1;

@@ -28,14 +28,14 @@ VideoEncoderSettings exportSettings(PictureSize size)
     };
 }
 
-ExportOutcome Video::exportProject(const ExportOptions& options)
+ExportResult Video::exportProject(const ExportOptions& options)
 {
     PendingFile file(options.destination);
     ExportRun running(options, build(options.project, options.folder, exportSize(options.height)), file.path());
-    const auto outcome = running.run();
-    if (outcome == ExportOutcome::Finished)
+    auto result = running.run();
+    if (result.outcome == ExportOutcome::Finished)
         file.moveIntoPlace();
-    return outcome;
+    return result;
 }
 
 } // namespace vantry

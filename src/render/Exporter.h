@@ -3,12 +3,14 @@
 #include "media/VideoEncoder.h"
 #include "project/Project.h"
 #include "render/CompositionPlan.h"
+#include "render/DamageLog.h"
 #include "render/RenderInstruction.h"
 
 #include <array>
 #include <filesystem>
 #include <functional>
 #include <stop_token>
+#include <vector>
 
 namespace vantry {
 
@@ -28,6 +30,11 @@ inline constexpr int defaultExportHeight = 1080;
 
 enum class ExportOutcome { Finished, Cancelled };
 
+struct ExportResult {
+    ExportOutcome outcome = ExportOutcome::Finished;
+    std::vector<Damage> damage; ///< What of the clips could not be read and was left out.
+};
+
 /// The size of an export: 16:9.
 PictureSize exportSize(int height);
 
@@ -37,9 +44,9 @@ VideoEncoderSettings exportSettings(PictureSize size);
 namespace Video {
 
 /// Writes the project as an MP4 that video sites take as it is: H.264 High at a constant 30 frames a second, AAC in stereo when the
-/// project has any sound. Returns when all is done; works on threads of its own besides the calling one. Throws AppError; the
-/// destination is untouched then, and when it was cancelled.
-ExportOutcome exportProject(const ExportOptions& options);
+/// project has any sound. Returns when all is done; works on threads of its own besides the calling one. Throws AppError, naming a
+/// clip that cannot be opened; the destination is untouched then, and when it was cancelled.
+ExportResult exportProject(const ExportOptions& options);
 
 } // namespace Video
 

@@ -57,7 +57,8 @@ Picture TrackPictures::pictureIn(std::size_t index, MediaTime time, const std::f
 void TrackPictures::open(std::size_t index)
 {
     close();
-    m_reader = std::make_unique<VideoReader>(m_segments[index].file, m_segments[index].track, m_options.reader);
+    const auto& segment = m_segments[index];
+    m_reader = std::make_unique<VideoReader>(segment.file, segment.track, damageOf(segment, m_options.damage));
     m_current = index;
 }
 

@@ -2,6 +2,7 @@
 
 #include "media/VideoReader.h"
 #include "render/CompositionPlan.h"
+#include "render/DamageLog.h"
 
 #include <deque>
 #include <functional>
@@ -16,15 +17,16 @@ namespace vantry {
 class TrackPictures {
 public:
     struct Options {
-        VideoReader::Options reader{};
         /// So many decoded pictures are kept, at least the one that is shown and the one that follows it.
         std::size_t kept = 2;
+        DamageLog* damage = nullptr; ///< Where damage is noted, if that is wanted; it outlives the object.
     };
 
     TrackPictures(std::vector<Segment> segments, Options options);
 
     /// What the output frame at `time` shows: the newest picture at or before it, as long as it is the newest the same one. In a
-    /// gap the last one of the frames before it stays; null before the first. Throws AppError.
+    /// gap, and where a clip is damaged, the last one of the frames before it stays; null before the first. Throws AppError when
+    /// a clip cannot be opened.
     Picture at(MediaTime time)
     {
         return at(time, [] { return false; });

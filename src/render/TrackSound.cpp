@@ -14,8 +14,9 @@ SampleCount samplesAt(MediaTime time)
 
 } // namespace
 
-TrackSound::TrackSound(std::vector<Segment> segments, SampleCount from)
+TrackSound::TrackSound(std::vector<Segment> segments, SampleCount from, DamageLog* damage)
     : m_segments(std::move(segments))
+    , m_damage(damage)
     , m_position(from)
 {
     while (m_current < m_segments.size() && samplesAt(m_segments[m_current].outputEnd()) <= from)
@@ -58,7 +59,7 @@ bool TrackSound::findPieceBefore(SampleCount end)
 std::optional<TrackSound::Piece> TrackSound::readPiece(const Segment& segment)
 {
     if (!m_reader) {
-        m_reader = std::make_unique<AudioReader>(segment.file, segment.track, channels);
+        m_reader = std::make_unique<AudioReader>(segment.file, segment.track, channels, damageOf(segment, m_damage));
         m_reader->seek(segment.sourceStart + std::max(m_position - samplesAt(segment.outputStart), SampleCount(0)));
     }
     auto read = m_reader->next();

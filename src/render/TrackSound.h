@@ -2,6 +2,7 @@
 
 #include "media/AudioReader.h"
 #include "render/CompositionPlan.h"
+#include "render/DamageLog.h"
 
 #include <memory>
 #include <optional>
@@ -15,10 +16,11 @@ class TrackSound {
 public:
     static constexpr int channels = 2;
 
-    explicit TrackSound(std::vector<Segment> segments, SampleCount from = {});
+    /// Damage is noted where that is wanted; the log outlives the object.
+    explicit TrackSound(std::vector<Segment> segments, SampleCount from = {}, DamageLog* damage = nullptr);
 
-    /// Adds the next stretch, as long as `mix`, with its samples multiplied by `gain`. What has no sound adds nothing. Throws
-    /// AppError.
+    /// Adds the next stretch, as long as `mix`, with its samples multiplied by `gain`. What has no sound, or is damaged, adds
+    /// nothing. Throws AppError when a clip cannot be opened.
     void addTo(Sound& mix, float gain);
 
 private:
@@ -34,6 +36,7 @@ private:
     std::optional<Piece> readPiece(const Segment& segment);
 
     const std::vector<Segment> m_segments;
+    DamageLog* const m_damage;
     std::size_t m_current = 0;
     std::unique_ptr<AudioReader> m_reader; ///< Of the current segment.
     std::optional<Piece> m_piece; ///< Of the current segment; not used up.

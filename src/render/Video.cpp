@@ -88,7 +88,7 @@ std::optional<Picture> screenPicture(const std::filesystem::path& file, double s
         return std::nullopt;
     const auto& track = screen->second;
     const double latest = std::chrono::duration<double>(track.duration).count() - backFromEnd;
-    VideoReader reader(file, track.index, {});
+    VideoReader reader(file, track.index);
     reader.seek(track.start + timelineTime(std::min(seconds, std::max(latest, 0.0))));
     auto picture = reader.next();
     return picture ? std::optional(std::move(picture->picture)) : std::nullopt;

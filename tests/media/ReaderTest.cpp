@@ -3,11 +3,14 @@
 
 #include "base/AppError.h"
 #include "support/Command.h"
+#include "support/MovieProbe.h"
 #include "support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <fstream>
+#include <numeric>
 #include <sys/stat.h>
 
 namespace vantry {
@@ -16,7 +19,15 @@ namespace {
 
 using namespace std::chrono_literals;
 using namespace test;
+using testing::AllOf;
+using testing::AnyOf;
+using testing::Each;
+using testing::Ge;
 using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::IsSupersetOf;
+using testing::Lt;
+using testing::Not;
 using testing::ThrowsMessage;
 
 /// Movies of foreign making, by the command line of the media libraries.
@@ -69,24 +80,37 @@ std::function<void()> readingAll(const std::filesystem::path& movie)
 {
     return [movie] {
         readTracks(movie);
-        VideoReader reader(movie, 0, {});
+        VideoReader reader(movie, 0);
         while (reader.next()) { }
     };
 }
 
-/// Overwrites some of the file in its middle.
-void damage(const std::filesystem::path& movie)
+/// Keeps what a reader tells.
+DamageSink into(std::vector<TimeRange>& damage)
 {
-    std::fstream bytes(movie, std::ios::in | std::ios::out | std::ios::binary);
-    bytes.seekp(static_cast<std::streamoff>(std::filesystem::file_size(movie) / 3));
-    bytes << std::string(2000, '\xff');
+    return [&damage](TimeRange range) { damage.push_back(range); };
+}
+
+std::vector<int> numbersOf(VideoReader& reader)
+{
+    std::vector<int> numbers;
+    while (const auto picture = reader.next())
+        numbers.push_back(number(*picture));
+    return numbers;
+}
+
+std::vector<int> numbersFrom(int first, int last)
+{
+    std::vector<int> numbers(static_cast<std::size_t>(last - first + 1));
+    std::iota(numbers.begin(), numbers.end(), first);
+    return numbers;
 }
 
 } // namespace
 
 TEST_F(ReaderTest, picturesComeInTheOrderTheyAreShownWithExactTimes)
 {
-    VideoReader reader(makeCountingMovie("a.mov"), 0, { .threads = 2 });
+    VideoReader reader(makeCountingMovie("a.mov"), 0);
     int expected = 0;
     while (const auto picture = reader.next()) {
         EXPECT_EQ(number(*picture), expected);
@@ -98,7 +122,7 @@ TEST_F(ReaderTest, picturesComeInTheOrderTheyAreShownWithExactTimes)
 
 TEST_F(ReaderTest, seekGivesTheNewestPictureAtOrBeforeTheTime)
 {
-    VideoReader reader(makeCountingMovie("a.mov"), 0, {});
+    VideoReader reader(makeCountingMovie("a.mov"), 0);
     for (const int wanted : { 44, 0, 89, 15, 14, 13, 30, 31 }) {
         reader.seek(wanted * frameDuration + MediaTime(1));
         EXPECT_EQ(number(reader.next().value()), wanted);
@@ -125,7 +149,7 @@ TEST_F(ReaderTest, aLateTrackKeepsItsPlaceOnTheMoviesTimeline)
     EXPECT_EQ(tracks[0].duration, 3s);
     EXPECT_EQ(tracks[1].start, 500ms);
     EXPECT_EQ(tracks[1].duration, 1s);
-    VideoReader reader(movie, 1, {});
+    VideoReader reader(movie, 1);
     EXPECT_EQ(reader.next().value().time, 500ms);
     reader.seek(0s);
     EXPECT_EQ(reader.next().value().time, 500ms);
@@ -178,7 +202,7 @@ TEST_F(ReaderTest, everyPixelFormatBecomesLimitedRangeBt709)
         + "-vf scale=out_color_matrix=bt709:out_range=tv,format=yuv420p10le -colorspace bt709 -c:v libx265 -x265-params "
           "log-level=error";
     for (const auto& arguments : { bt601, full, tenBit, red + "-c:v png", red + "-vf format=bgra -c:v qtrle" }) {
-        VideoReader reader(make("red.mov", arguments), 0, {});
+        VideoReader reader(make("red.mov", arguments), 0);
         const auto picture = reader.next().value().picture;
         EXPECT_EQ(picture.width(), 62);
         EXPECT_EQ(picture.height(), 50);
@@ -188,24 +212,108 @@ TEST_F(ReaderTest, everyPixelFormatBecomesLimitedRangeBt709)
     }
 }
 
+TEST_F(ReaderTest, damagedPicturesAreLeftOutUpToTheNextKeyframeAndTold)
+{
+    const auto movie = makeCountingMovie("a.mov");
+    damagePackets(movie, "v:0", 1.0, 1.01); // Number 30, a keyframe.
+    damagePackets(movie, "v:0", 2.3, 2.32); // Number 69: 68 and what follows needs it, 66 and 67 were decoded before.
+    std::vector<TimeRange> damage;
+    VideoReader reader(movie, 0, into(damage));
+    const auto read = numbersOf(reader);
+    EXPECT_THAT(read,
+        AllOf(IsSupersetOf(numbersFrom(0, 29)), IsSupersetOf(numbersFrom(45, 65)), IsSupersetOf(numbersFrom(75, 89)),
+            Each(Not(AnyOf(AllOf(Ge(30), Lt(45)), AllOf(Ge(69), Lt(75)))))));
+    EXPECT_TRUE(std::ranges::is_sorted(read));
+    ASSERT_EQ(damage.size(), 2u);
+    EXPECT_EQ(damage[0].from, 1s);
+    EXPECT_EQ(damage[0].to, 1500ms);
+    EXPECT_GE(damage[1].from, 65 * frameDuration);
+    EXPECT_LE(damage[1].from, 69 * frameDuration);
+    EXPECT_EQ(damage[1].to, 2500ms);
+
+    for (const auto& [wanted, found] : { std::pair(44, 29), { 30, 29 }, { 46, 46 }, { 2, 2 } }) {
+        reader.seek(wanted * frameDuration);
+        EXPECT_EQ(number(reader.next().value()), found) << wanted;
+    }
+}
+
+TEST_F(ReaderTest, damagedSoundIsLeftOutAndTheRestStaysInItsPlace)
+{
+    const auto movie = make("click.mov", "-f lavfi -i aevalsrc=\"0.05*sin(n/9)+eq(n\\,40000):s=48000:d=1\" -c:a aac -b:a 160k");
+    damagePackets(movie, "a:0", 0.3, 0.4);
+    std::vector<TimeRange> damage;
+    AudioReader reader(movie, 0, 1, into(damage));
+    EXPECT_EQ(heardOf(reader).loudest, SampleCount(40000));
+    ASSERT_THAT(damage, Not(IsEmpty()));
+    EXPECT_GE(damage.front().from, 300ms);
+    EXPECT_LE(damage.front().from, 325ms);
+    EXPECT_GE(damage.back().to, 395ms);
+    EXPECT_LE(damage.back().to, 425ms);
+}
+
+TEST_F(ReaderTest, damageDoesNotMakeSoundAnotherKindOfSound)
+{
+    const auto movie = make("mono.mov", "-f lavfi -i sine=d=1 -ar 48000 -ac 1 -c:a aac");
+    damagePackets(movie, "a:0", -1, 0.2, std::string("\x21\x00\x49\x90\x02\x19\x00\x23\x80", 9)); // Silence in stereo.
+    EXPECT_EQ(readTracks(movie).at(0).channels, 1);
+    std::vector<TimeRange> damage;
+    AudioReader reader(movie, 0, 1, into(damage));
+    EXPECT_GE(reader.next().value().time, 190ms);
+    EXPECT_EQ(damage.front().from, 0s);
+}
+
+TEST_F(ReaderTest, aMovieWhoseEndIsMissingIsReadUpToThere)
+{
+    const auto movie = makeCountingMovie("first.mov", "-movflags faststart");
+    std::filesystem::resize_file(movie, std::filesystem::file_size(movie) * 2 / 3);
+    std::vector<TimeRange> damage;
+    VideoReader reader(movie, 0, into(damage));
+    const auto read = numbersOf(reader);
+    ASSERT_FALSE(read.empty());
+    EXPECT_EQ(read, numbersFrom(0, read.back()));
+    EXPECT_LT(read.back(), 89);
+    ASSERT_EQ(damage.size(), 1u);
+    EXPECT_NEAR(static_cast<double>(damage[0].from / frameDuration), read.back() + 1, 3);
+    EXPECT_EQ(damage[0].to, 3s);
+    reader.seek(3s);
+    EXPECT_EQ(number(reader.next().value()), read.back());
+    reader.seek(0s);
+    EXPECT_EQ(number(reader.next().value()), 0);
+}
+
+TEST_F(ReaderTest, aHealthyMovieHasNoDamage)
+{
+    std::vector<TimeRange> damage;
+    const auto movie = makeCountingMovie("a.mov", "-itsoffset 0.2 -f lavfi -i sine=d=3 -c:a aac -shortest");
+    for (const auto& file :
+        { movie, makeCountingMovie("b.mp4", "-movflags frag_keyframe+empty_moov"), makeCountingMovie("c.mkv") }) {
+        VideoReader reader(file, 0, into(damage));
+        for (const auto time : { 0s, 2s, 1s, 9s }) {
+            reader.seek(time);
+            while (reader.next()) { }
+        }
+    }
+    AudioReader reader(movie, 1, 2, into(damage));
+    heardOf(reader);
+    EXPECT_THAT(damage, IsEmpty());
+}
+
 TEST_F(ReaderTest, filesThatCannotBeReadSayWhichAndWhy)
 {
     ASSERT_EQ(mkfifo((m_folder / "pipe.mov").c_str(), 0600), 0);
     std::ofstream(m_folder / "noise.mov") << std::string(10'000, 'x');
-    // The header is lost with the end, or stands first and promises more than there is.
-    const auto headerLast = makeCountingMovie("last.mov"), headerFirst = makeCountingMovie("first.mov", "-movflags faststart");
-    std::filesystem::resize_file(headerLast, std::filesystem::file_size(headerLast) / 2);
-    std::filesystem::resize_file(headerFirst, std::filesystem::file_size(headerFirst) - 100);
-    damage(make("damaged.mov", "-f lavfi -i testsrc2=s=320x240:r=30:d=2 -c:v libx264"));
+    // The index is lost with the end, all of it or some.
+    const auto without = makeCountingMovie("without.mov"), half = makeCountingMovie("half.mov");
+    std::filesystem::resize_file(without, std::filesystem::file_size(without) / 10);
+    std::filesystem::resize_file(half, std::filesystem::file_size(half) - 100);
     for (const auto& [name, why] : { std::pair("missing.mov", "No such file or directory"), { "pipe.mov", "It is not a movie" },
-             { "noise.mov", "Invalid data" }, { "last.mov", "" }, { "first.mov", "The end of the file is missing" },
-             { "damaged.mov", "" } })
+             { "noise.mov", "Invalid data" }, { "without.mov", "" }, { "half.mov", "" } })
         EXPECT_THAT(
             readingAll(m_folder / name), ThrowsMessage<AppError>(HasSubstr("Cannot read " + std::string(name) + ": " + why)));
 
     const auto good = makeCountingMovie("good.mov");
     EXPECT_THAT([&] { AudioReader(good, 0, 1); }, ThrowsMessage<AppError>(HasSubstr("good.mov: It has no such audio track")));
-    EXPECT_THAT([&] { VideoReader(good, 1, {}); }, ThrowsMessage<AppError>(HasSubstr("good.mov: It has no such video track")));
+    EXPECT_THAT([&] { VideoReader(good, 1); }, ThrowsMessage<AppError>(HasSubstr("good.mov: It has no such video track")));
 }
 
 } // namespace vantry

@@ -1,5 +1,8 @@
 #include "model/AppModel.h"
+#include "model/DamageText.h"
 #include "model/ModelTest.h"
+#include "support/MovieProbe.h"
+#include "support/TestMovie.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -69,6 +72,42 @@ TEST_F(AppModelTest, theVideoIsNamedAfterTheTitleTheProjectOrWhatIsTyped)
     EXPECT_FALSE(m_model.isTaken(videoIn("é")));
     fs::create_symlink("nowhere", m_folder / "50% #1/é.mp4");
     EXPECT_TRUE(m_model.isTaken(videoIn("é"))) << "a link to nothing would be replaced as well";
+}
+
+TEST_F(AppModelTest, anExportOfADamagedClipIsDoneAndTellsWhatIsMissingWhere)
+{
+    const auto folder = writeProject("one", 2);
+    test::writeTestMovie(folder / "clip-1.mov", { .duration = 2, .audio = true });
+    std::filesystem::copy(folder / "clip-1.mov", folder / "clip-2.mov");
+    test::damagePackets(folder / "clip-2.mov", "a:0", 0.5, 0.6);
+    m_model.open(folder);
+    m_model.edit(Rebuild::No, [](Project& project) {
+        project.clips.push_back(project.clips.front());
+        project.clips.back().file = "clip-2.mov";
+    });
+    m_model.settings()->setExportHeight(720);
+    const auto exported = [this] {
+        m_model.exportTo(m_folder / "out.mp4");
+        return test::pumpUntil([&] { return !m_model.busy(); });
+    };
+    ASSERT_TRUE(exported());
+    EXPECT_THAT(alert(), IsEmpty());
+    EXPECT_TRUE(std::filesystem::exists(m_folder / "out.mp4"));
+    EXPECT_EQ(m_model.status(), u"Parts of the recording are damaged. The video has no sound at 0:02 (clip-2.mov)");
+
+    m_model.edit(Rebuild::No, [](Project& project) { project.clips.pop_back(); });
+    ASSERT_TRUE(exported());
+    EXPECT_TRUE(m_model.status()->startsWith(u"Exported to "));
+}
+
+TEST(DamageText, namesTheFirstPlacesAndCountsTheOthers)
+{
+    using namespace std::chrono_literals;
+    std::vector<Damage> damage{ { "a.mov", Damage::Of::Pictures, { 59s, 61s } } };
+    EXPECT_EQ(damageText(damage), u"Parts of the recording are damaged. The video has no pictures at 0:59–1:01 (a.mov)");
+    damage.insert(damage.end(), 100, { "b.mov", Damage::Of::Sound, { 70s, 70s } });
+    EXPECT_TRUE(damageText(damage).endsWith(u"no sound at 1:10 (b.mov), and 97 more")) << damageText(damage).toStdString();
+    EXPECT_TRUE(damageText({}).isEmpty());
 }
 
 TEST_F(AppModelTest, aFailedExportSaysWhyAndLeavesNothing)

@@ -1,6 +1,7 @@
 #include "render/Player.h"
 #include "TestProject.h"
 #include "render/FrameMaker.h"
+#include "support/MovieProbe.h"
 #include "support/PumpUntil.h"
 
 #include <gmock/gmock.h>
@@ -200,12 +201,32 @@ TEST_F(PlayerTest, withoutAnItemNothingIsShownAndCommandsDoNothing)
     }
 }
 
-TEST_F(PlayerTest, aClipThatCannotBeReadIsSaidOnceAndStopsPlayback)
+TEST_F(PlayerTest, goesOnOverDamageAndShowsWhatAnExportHasThere)
+{
+    m_content.add({ .frames = 60, .screen = count, .camera = count }, 2);
+    for (const std::string track : { "v:0", "v:1" })
+        damagePackets(m_content.folder / "clip-1.mov", track, 0.5, 1.2);
+    m_content.project.layouts[0].layout = Layout::bubble;
+    const auto item = this->item();
+    const auto frames = exportedFrames(*item);
+    m_player.setItem(item, 0);
+    m_player.play();
+    ASSERT_TRUE(pumpUntil([&] { return m_player.state() == State::Paused; }));
+    EXPECT_EQ(m_player.time(), 2);
+    EXPECT_THAT(m_told.failures, testing::IsEmpty());
+    for (const int frame : { 59, 30, 14, 15, 44, 39, 40, 0 }) {
+        m_player.seek(frame / 30.0);
+        ASSERT_TRUE(settles());
+        EXPECT_TRUE(areSame(m_player.picture(), frames[static_cast<std::size_t>(frame)])) << "frame " << frame;
+    }
+}
+
+TEST_F(PlayerTest, aClipThatCannotBeOpenedIsSaidOnceAndStopsPlayback)
 {
     m_content.add({ .frames = 15, .screen = count }, 0.5);
     m_content.add({ .frames = 60, .screen = count }, 2);
-    m_content.spoil("clip-2.mov");
     m_player.setItem(item(), 0);
+    std::filesystem::remove(m_content.folder / "clip-2.mov");
     m_player.play();
     ASSERT_TRUE(pumpUntil([&] { return m_player.state() == State::Paused; }));
     ASSERT_EQ(m_told.failures.size(), 1u);

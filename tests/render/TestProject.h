@@ -7,8 +7,6 @@
 
 #include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 namespace vantry::test {
@@ -20,15 +18,6 @@ struct TestProject {
         const auto name = "clip-" + std::to_string(project.clips.size() + 1) + ".mov";
         writeClip(folder / name, clip);
         project.clips.push_back({ .file = name, .duration = clip.frames / 30.0, .keep = keep, .transcript = {} });
-    }
-
-    /// Overwrites the first pictures of a clip, but not its headers: that is found only when they are decoded.
-    void spoil(const std::string& clip) const
-    {
-        std::fstream file(folder / clip, std::ios::in | std::ios::out | std::ios::binary);
-        const std::string bytes{ std::istreambuf_iterator<char>(file), {} };
-        file.seekp(static_cast<std::streamoff>(bytes.find("mdat") + 4));
-        file << std::string(500, '\xff');
     }
 
     TemporaryFolder folder;

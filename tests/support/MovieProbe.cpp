@@ -92,6 +92,20 @@ std::vector<ProbedFrame> probeFrames(const std::filesystem::path& movie, const s
     return frames;
 }
 
+void damagePackets(const std::filesystem::path& movie, const std::string& stream, double from, double to, const std::string& bytes)
+{
+    std::istringstream lines(probe(movie, stream, "-v fatal -show_entries packet=pts_time,size,pos -of csv=p=0"));
+    std::fstream file(movie, std::ios::in | std::ios::out | std::ios::binary);
+    for (std::string line; std::getline(lines, line);) {
+        double time = 0;
+        unsigned long size = 0, position = 0;
+        if (std::sscanf(line.c_str(), "%lf,%lu,%lu", &time, &size, &position) != 3 || time < from || time >= to)
+            continue;
+        file.seekp(static_cast<std::streamoff>(position));
+        file << (bytes.empty() ? std::string(size, '\xff') : bytes.substr(0, size));
+    }
+}
+
 std::vector<float> probeSound(const std::filesystem::path& movie, const std::string& stream)
 {
     const auto bytes = decoded(movie, stream, "-f f32le");

@@ -22,6 +22,11 @@ std::map<std::string, std::string> probeStream(const std::filesystem::path& movi
 /// Every picture, decoded, in the order it is shown.
 std::vector<ProbedFrame> probeFrames(const std::filesystem::path& movie, const std::string& stream);
 
+/// Overwrites what the file holds of a stream from a time on, in seconds, up to another: the beginning of each packet that begins
+/// within, or without `bytes` all of it.
+void damagePackets(
+    const std::filesystem::path& movie, const std::string& stream, double from, double to, const std::string& bytes = {});
+
 /// Every sample, decoded, interleaved when there are several channels.
 std::vector<float> probeSound(const std::filesystem::path& movie, const std::string& stream);
 
