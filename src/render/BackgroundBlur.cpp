@@ -6,14 +6,24 @@
 #include <QFile>
 #include <QResource>
 
+#include <utility>
+
 namespace vantry {
 
 using namespace Qt::StringLiterals;
 
 BackgroundBlur::BackgroundBlur(std::span<const std::byte> networkFile)
+    : m_networkFile(networkFile)
 {
+}
+
+void BackgroundBlur::build()
+{
+    if (std::exchange(m_isBuilt, true))
+        return;
     try {
-        m_finder.emplace(networkFile);
+        m_finder.emplace(m_networkFile);
+        qCDebug(logRender) << "the network that finds people is built";
     } catch (const AppError& error) {
         qCWarning(logRender) << "the background stays sharp:" << error.what();
     }
@@ -28,7 +38,10 @@ std::span<const std::byte> BackgroundBlur::ownNetwork()
 
 Picture BackgroundBlur::apply(const Picture& picture)
 {
-    if (!m_finder || !picture)
+    if (!picture)
+        return picture;
+    build();
+    if (!m_finder)
         return picture;
     if (picture != m_source) {
         m_result = blurred(picture);

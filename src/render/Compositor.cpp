@@ -1,14 +1,12 @@
 #include "render/Compositor.h"
 
 #include "project/ProjectIndex.h"
-#include "render/BackgroundBlur.h"
 #include "render/CameraLayer.h"
 #include "render/OverlayLayer.h"
 #include "render/ScreenLayer.h"
 
 #include <deque>
 #include <map>
-#include <optional>
 #include <utility>
 
 namespace vantry {
@@ -21,7 +19,7 @@ constexpr std::size_t rememberedFrames = 32;
 } // namespace
 
 struct Compositor::State {
-    State(std::shared_ptr<const RenderInstruction> instruction, int width, int height);
+    State(std::shared_ptr<const RenderInstruction> instruction, int width, int height, std::shared_ptr<BackgroundBlur> blur);
 
     Picture compose(MediaTime time, const Picture& screen, const Picture& camera);
     TileMap update(double time, const Picture& screen, const Picture& camera);
@@ -36,7 +34,7 @@ struct Compositor::State {
     const int height;
 
     PicturePool pool;
-    std::optional<BackgroundBlur> blur;
+    const std::shared_ptr<BackgroundBlur> blur; ///< None where the project asks for none.
     ScreenLayer screenLayer;
     CameraLayer cameraLayer;
     std::map<std::size_t, OverlayLayer> overlays; ///< The visible ones by their place in the project, bottom to top.
@@ -47,17 +45,17 @@ struct Compositor::State {
     std::map<const std::uint8_t*, std::int64_t> drawn; ///< The frame that each of the pool's buffers holds.
 };
 
-Compositor::State::State(std::shared_ptr<const RenderInstruction> given, int frameWidth, int frameHeight)
+Compositor::State::State(
+    std::shared_ptr<const RenderInstruction> given, int frameWidth, int frameHeight, std::shared_ptr<BackgroundBlur> sharedBlur)
     : instruction(std::move(given))
     , timeline(instruction->project)
     , width(frameWidth)
     , height(frameHeight)
     , pool(frameWidth, frameHeight)
+    , blur(instruction->project.blurBackground.value_or(false) ? std::move(sharedBlur) : nullptr)
     , screenLayer(frameWidth, frameHeight, instruction->project.screenCrop)
     , cameraLayer(frameWidth, frameHeight)
 {
-    if (instruction->project.blurBackground.value_or(false))
-        blur.emplace();
 }
 
 Picture Compositor::State::compose(MediaTime time, const Picture& screen, const Picture& camera)
@@ -149,8 +147,9 @@ void Compositor::State::draw(PictureBuffer& frame, const FrameRect& area)
         overlay.draw(frame, area);
 }
 
-Compositor::Compositor(std::shared_ptr<const RenderInstruction> instruction, int width, int height)
-    : m_state(std::make_unique<State>(std::move(instruction), width, height))
+Compositor::Compositor(
+    std::shared_ptr<const RenderInstruction> instruction, int width, int height, std::shared_ptr<BackgroundBlur> blur)
+    : m_state(std::make_unique<State>(std::move(instruction), width, height, std::move(blur)))
 {
 }
 

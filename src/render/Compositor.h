@@ -1,6 +1,7 @@
 #pragma once
 
 #include "media/Picture.h"
+#include "render/BackgroundBlur.h"
 #include "render/RenderInstruction.h"
 
 #include <memory>
@@ -11,8 +12,10 @@ namespace vantry {
 /// not made again, so a frame costs what moved in it. Frames may be asked for in any order. One thread at a time.
 class Compositor {
 public:
-    /// The output's size in pixels, both even.
-    Compositor(std::shared_ptr<const RenderInstruction> instruction, int width, int height);
+    /// The output's size in pixels, both even. Compositors of one thread may share what blurs the camera's background: with its
+    /// network, and the picture that it blurred last.
+    Compositor(std::shared_ptr<const RenderInstruction> instruction, int width, int height,
+        std::shared_ptr<BackgroundBlur> blur = std::make_shared<BackgroundBlur>());
     ~Compositor();
 
     /// The frame at `time`. A null picture is a source that shows nothing.

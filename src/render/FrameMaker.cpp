@@ -45,7 +45,7 @@ void FrameMaker::setComposition(const CompositionPlan& plan, std::shared_ptr<con
     m_screen.setSegments(plan.segmentsOf(TrackKind::screen));
     m_camera.setSegments(plan.segmentsOf(TrackKind::camera));
     m_worker.post([this, instruction = std::move(instruction), size = plan.size] {
-        m_compositor.emplace(instruction, size.width, size.height);
+        m_compositor.emplace(instruction, size.width, size.height, m_blur);
     });
 }
 

@@ -28,7 +28,8 @@ public:
     FrameMaker& operator=(const FrameMaker&) = delete;
 
     /// Frames that are asked for from now on are of this composition. What was asked for before is given up. Where a track's
-    /// segments are the same as before, its open file and its decoded pictures stay in use.
+    /// segments are the same as before, its open file and its decoded pictures stay in use, and so does what blurs the camera's
+    /// background.
     void setComposition(const CompositionPlan& plan, std::shared_ptr<const RenderInstruction> instruction);
 
     /// Begins to make a frame, whichever; frames in a row are the cheapest.
@@ -76,7 +77,11 @@ private:
     std::deque<std::future<Picture>> m_asked;
     Track m_screen;
     Track m_camera;
-    std::optional<Compositor> m_compositor; ///< Belongs to the worker.
+
+    // Belong to the worker.
+    const std::shared_ptr<BackgroundBlur> m_blur = std::make_shared<BackgroundBlur>();
+    std::optional<Compositor> m_compositor;
+
     Worker m_worker; ///< Composes. It waits for the tracks, so it ends before them.
 };
 

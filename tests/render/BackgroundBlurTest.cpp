@@ -1,8 +1,13 @@
 #include "render/BackgroundBlur.h"
 
+#include "TestProject.h"
 #include "base/AppError.h"
 #include "render/Compositor.h"
+#include "render/FrameMaker.h"
+#include "render/PlayerItem.h"
 #include "support/Photograph.h"
+
+#include <QLoggingCategory>
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -81,6 +86,31 @@ TEST(BackgroundBlur, isDoneWhereTheProjectAsksForIt)
     EXPECT_EQ(flag(std::nullopt), detail(camera, 30, 20, 80, 150));
     EXPECT_EQ(flag(false), detail(camera, 30, 20, 80, 150));
     EXPECT_LT(flag(true), detail(camera, 30, 20, 80, 150) / 4);
+}
+
+TEST(BackgroundBlur, oneNetworkServesAllRebuildsOfAPlayer)
+{
+    static int built = 0;
+    built = 0;
+    QLoggingCategory::setFilterRules(QStringLiteral("vantry.render.debug=true"));
+    const auto before = qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext&, const QString& text) { built += text.contains(u"network"); });
+    {
+        test::TestProject content;
+        content.add({ .frames = 30, .camera = test::count }, 1);
+        content.project.layouts = { { 0, Layout::camera, Corner::bottomRight } };
+        FrameMaker maker("test");
+        for (const bool isBlurred : { false, true, true, false, true }) {
+            content.project.blurBackground = isBlurred;
+            const auto item = makePlayerItem(content.project, content.folder.path(), {});
+            maker.setComposition(item->plan, item->instruction);
+            maker.ask(3);
+            EXPECT_TRUE(maker.take());
+        }
+    }
+    qInstallMessageHandler(before);
+    QLoggingCategory::setFilterRules({});
+    EXPECT_EQ(built, 1);
 }
 
 /// As much noise as a camera's recording keeps.
