@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstddef>
@@ -42,6 +43,7 @@ inline constexpr int scale = 2;
 inline constexpr std::size_t largestFragment = 1'500'000; // bytes
 inline constexpr double largestWidth = 4096; // CSS pixels
 inline constexpr int largestHeight = 4096; // CSS pixels; what is below is cut off
+inline constexpr std::int64_t largestBitmap = 4 * 1920 * 1080; // pixels: one that fills the frame; what is below is cut off
 
 /// After this time the helper gives a fragment up.
 inline constexpr std::chrono::seconds longestRender{ 4 };
@@ -54,6 +56,13 @@ inline bool isWithinLimits(const Request& request)
 inline int bitmapWidth(double cssWidth)
 {
     return static_cast<int>(std::lround(scale * cssWidth));
+}
+
+/// How high a bitmap of this width may be, in CSS pixels.
+inline int heightLimit(double cssWidth)
+{
+    const auto rows = largestBitmap / std::max(bitmapWidth(cssWidth), 1);
+    return static_cast<int>(std::clamp<std::int64_t>(rows / scale, 1, largestHeight));
 }
 
 } // namespace vantry::overlays

@@ -139,7 +139,7 @@ void FragmentRenderer::measure()
 
 void FragmentRenderer::measured(int height)
 {
-    m_height = std::clamp(height, 1, overlays::largestHeight);
+    m_height = std::clamp(height, 1, overlays::heightLimit(m_cssWidth));
     m_view.resize(m_width, m_height + markerHeight);
     awaitSize();
 }

@@ -20,6 +20,7 @@ public:
 
     int width() const { return m_width; }
     int height() const { return m_height; }
+    std::int64_t pixels() const { return std::int64_t(m_width) * m_height; }
     const std::uint8_t* row(int y) const { return m_bytes->data() + static_cast<std::size_t>(y) * m_width * 4; }
 
 private:

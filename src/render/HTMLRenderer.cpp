@@ -23,6 +23,8 @@ std::string decimal(double value)
     return number;
 }
 
+constexpr int mostDeaths = 3;
+
 bool hasNoBitmap(const QFuture<HTMLRenderer::Image>& future)
 {
     return future.isFinished() && !future.result();
@@ -58,15 +60,31 @@ std::string HTMLRenderer::renderKey(const Overlay& overlay)
 
 QFuture<HTMLRenderer::Image> HTMLRenderer::image(const Overlay& overlay)
 {
-    auto& image = m_cache[renderKey(overlay)];
+    const std::string key = renderKey(overlay);
+    auto& image = m_cache[key];
     if (!image.isValid() || hasNoBitmap(image))
-        image = inBackground(m_worker, [this, html = overlay.html, width = cssWidth(overlay)] { return render(html, width); });
+        image = inBackground(
+            m_worker, [this, key, html = overlay.html, width = cssWidth(overlay)] { return render(key, html, width); });
     return image;
 }
 
-HTMLRenderer::Image HTMLRenderer::render(const std::string& fragment, double cssWidth)
+std::int64_t HTMLRenderer::pixels() const
 {
-    if (m_giveUp.wasCalled())
+    std::int64_t sum = 0;
+    for (const auto& [key, image] : m_cache)
+        if (image.isFinished() && image.result())
+            sum += image.result()->pixels();
+    return sum;
+}
+
+void HTMLRenderer::forgetAllBut(const std::set<std::string>& keys)
+{
+    std::erase_if(m_cache, [&](const auto& entry) { return entry.second.isFinished() && !keys.contains(entry.first); });
+}
+
+HTMLRenderer::Image HTMLRenderer::render(const std::string& key, const std::string& fragment, double cssWidth)
+{
+    if (m_giveUp.wasCalled() || m_hopeless.contains(key))
         return std::nullopt;
     if (!overlays::isWithinLimits({ fragment.size(), cssWidth })) {
         warnOfMissingOverlay(overlays::Outcome::Refused);
@@ -74,15 +92,37 @@ HTMLRenderer::Image HTMLRenderer::render(const std::string& fragment, double css
     }
     Image image;
     try {
-        if (!m_helper || !m_helper->isRunning())
-            m_helper.emplace(m_options.program, m_giveUp);
-        image = m_helper->render(fragment, cssWidth, m_options.longestRender);
+        image = renderWithHelper(key, fragment, cssWidth);
+    } catch (const HangingHelper& error) {
+        qCWarning(logRender) << error.what();
+        m_helper.reset();
+        m_hopeless.insert(key);
     } catch (const std::exception& error) {
         qCWarning(logRender) << error.what();
         m_helper.reset();
+        blame(key);
     }
     QMetaObject::invokeMethod(&m_idle, qOverload<>(&QTimer::start), Qt::QueuedConnection);
     return image;
+}
+
+HTMLRenderer::Image HTMLRenderer::renderWithHelper(const std::string& key, const std::string& fragment, double cssWidth)
+{
+    if (!m_helper || !m_helper->isRunning())
+        m_helper.emplace(m_options.program, m_giveUp);
+    auto [outcome, bitmap] = m_helper->render(fragment, cssWidth, m_options.longestRender);
+    if (outcome == overlays::Outcome::EngineDied)
+        blame(key);
+    else if (!bitmap)
+        m_hopeless.insert(key);
+    return bitmap;
+}
+
+/// What a helper ends of may be something else, so the fragment is tried again; not for ever.
+void HTMLRenderer::blame(const std::string& key)
+{
+    if (++m_deaths[key] >= mostDeaths)
+        m_hopeless.insert(key);
 }
 
 } // namespace vantry

@@ -1,6 +1,5 @@
 #include "render/OverlayHelper.h"
 
-#include "base/AppError.h"
 #include "base/HelperProgram.h"
 #include "base/Log.h"
 
@@ -44,7 +43,7 @@ bool isSensible(const overlays::Reply& reply, double cssWidth)
     if (reply.outcome != overlays::Outcome::Rendered)
         return reply.outcome <= overlays::Outcome::EngineDied && reply.width == 0 && reply.height == 0;
     return reply.width == overlays::bitmapWidth(cssWidth) && reply.height > 0
-        && reply.height <= overlays::scale * overlays::largestHeight && reply.height % overlays::scale == 0;
+        && reply.height <= overlays::scale * overlays::heightLimit(cssWidth) && reply.height % overlays::scale == 0;
 }
 
 const char* describe(overlays::Outcome outcome)
@@ -89,7 +88,7 @@ OverlayHelper::OverlayHelper(const fs::path& program, const WakeUp& interrupt, C
     fcntl(m_socket.number(), F_SETFL, O_NONBLOCK);
 }
 
-std::optional<Bitmap> OverlayHelper::render(const std::string& fragment, double cssWidth, std::chrono::milliseconds longest)
+OverlayHelper::Rendering OverlayHelper::render(const std::string& fragment, double cssWidth, std::chrono::milliseconds longest)
 {
     awaitStart();
     const auto deadline = steady_clock::now() + longest;
@@ -102,11 +101,11 @@ std::optional<Bitmap> OverlayHelper::render(const std::string& fragment, double 
         throw AppError("The overlay helper answered nonsense");
     if (reply.outcome != overlays::Outcome::Rendered) {
         warnOfMissingOverlay(reply.outcome);
-        return std::nullopt;
+        return { .outcome = reply.outcome };
     }
     std::vector<std::uint8_t> pixels(static_cast<std::size_t>(reply.width) * static_cast<std::size_t>(reply.height) * 4);
     receive(pixels.data(), pixels.size(), deadline);
-    return Bitmap(reply.width, reply.height, std::move(pixels));
+    return { .outcome = reply.outcome, .bitmap = Bitmap(reply.width, reply.height, std::move(pixels)) };
 }
 
 void OverlayHelper::awaitStart()
@@ -158,7 +157,7 @@ void OverlayHelper::waitFor(short events, Deadline deadline) const
 {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - steady_clock::now());
     if (left.count() <= 0)
-        throw AppError("The overlay helper hangs");
+        throw HangingHelper("The overlay helper hangs");
     std::array<pollfd, 2> files{ { { m_socket.number(), events, 0 }, { m_interrupt.descriptor(), POLLIN, 0 } } };
     poll(files.data(), files.size(), static_cast<int>(left.count()));
     if (files[1].revents != 0)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/AppError.h"
 #include "base/Descriptor.h"
 #include "base/HelperProcess.h"
 #include "base/OverlayProtocol.h"
@@ -17,6 +18,12 @@ namespace vantry {
 /// A warning in the log that an overlay will be missing, and why.
 void warnOfMissingOverlay(overlays::Outcome);
 
+/// What the helper was asked takes it too long.
+class HangingHelper : public AppError {
+public:
+    using AppError::AppError;
+};
+
 /// A running helper program. What goes wrong is an AppError; the helper is of no use any more then. One thread at a time, which
 /// must live on: the helper ends with the thread that started it. Destroying it ends the helper.
 class OverlayHelper {
@@ -27,9 +34,14 @@ public:
     /// `interrupt` makes a rendering fail at once; it outlives the helper.
     OverlayHelper(const std::filesystem::path& program, const WakeUp& interrupt);
 
-    /// The fragment's bitmap, or nothing when the helper could not make one and is ready for the next. The time that the helper
-    /// takes to start does not count.
-    std::optional<Bitmap> render(const std::string& fragment, double cssWidth, std::chrono::milliseconds longest);
+    struct Rendering {
+        overlays::Outcome outcome = overlays::Outcome::Failed;
+        std::optional<Bitmap> bitmap{};
+    };
+
+    /// The fragment's bitmap, or why the helper, which is ready for the next one, could not make it. The time that the helper takes
+    /// to start does not count. Throws HangingHelper when it takes longer.
+    Rendering render(const std::string& fragment, double cssWidth, std::chrono::milliseconds longest);
 
     /// False once it has ended, whatever it ended of.
     bool isRunning() const { return m_process.isRunning(); }

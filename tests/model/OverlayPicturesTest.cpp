@@ -1,3 +1,4 @@
+#include "model/OverlayPictures.h"
 #include "model/ModelTest.h"
 #include "support/MovieProbe.h"
 #include "support/OverlayHelperProcess.h"
@@ -44,6 +45,28 @@ TEST_F(OverlayPicturesTest, everyOverlayHasItsBitmapAndWhoeverCancelsDoesNotWait
     QTimer::singleShot(0, &m_model, [&] { cancel.request_stop(); });
     EXPECT_THAT(QCoro::waitFor(m_model.overlayImages(cancel.get_token())), IsEmpty());
     EXPECT_EQ(test::overlayHelperProcess(), helper) << "it was waited for until it was given up";
+}
+
+TEST_F(OverlayPicturesTest, bitmapsForWhichThereIsNoRoomAreLeftOutAndTheUserIsTold)
+{
+    OverlayPictures pictures(m_model, 1'000'000);
+    const auto row = [](const std::string& colour) { // 3840 by 112 pixels
+        return covering(0, 1, "<style>body{padding:0!important}</style><div style='height:56px;background:" + colour + "'></div>");
+    };
+    const std::vector overlays{ row("red"), row("blue"), row("green"), row("red") };
+    const auto imagesOf = [&](std::vector<Overlay> wanted) { return QCoro::waitFor(pictures.of(std::move(wanted), {})); };
+    for (int i = 0; i < 2; ++i) {
+        const auto images = imagesOf(overlays);
+        EXPECT_EQ(images.size(), 3);
+        EXPECT_FALSE(images.contains(overlays[2].id));
+        EXPECT_EQ(m_model.status(), u"Left out 1 of 4 overlays: together they would need too much memory");
+    }
+    EXPECT_EQ(imagesOf({ overlays[1], overlays[2] }).size(), 2);
+    EXPECT_EQ(m_model.status(), std::nullopt);
+
+    ASSERT_EQ(imagesOf(overlays).size(), 3);
+    m_model.open(writeProject("other"));
+    EXPECT_EQ(m_model.status(), std::nullopt);
 }
 
 TEST_F(OverlayPicturesTest, anExportShowsThem)

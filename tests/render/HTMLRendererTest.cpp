@@ -8,6 +8,8 @@
 
 #include <QElapsedTimer>
 
+#include <algorithm>
+#include <cmath>
 #include <csignal>
 #include <cstring>
 #include <fstream>
@@ -275,6 +277,40 @@ TEST_F(HTMLRendererTest, aHeavyFragmentIsGivenUpAndTheNextOneIsRendered)
         EXPECT_LT(time.elapsed(), 8500);
         EXPECT_TRUE(!image || image->height() <= 2 * 4096);
         EXPECT_TRUE(bitmapOf(numbered(good, ++number)) == expected) << number;
+    }
+}
+
+TEST_F(HTMLRendererTest, whatTookTooLongIsNotTriedAgainButWhatAKilledHelperHadIs)
+{
+    HTMLRenderer renderer({ .longestRender = 1s });
+    const auto isTried = [&](const Overlay& overlay) {
+        const auto image = renderer.image(overlay);
+        return test::pumpUntil([&] { return image.isFinished() || test::overlayHelperProcess() != 0; }) && !image.isFinished();
+    };
+    ASSERT_TRUE(imageOf(renderer, fragment("a")));
+    kill(test::overlayHelperProcess(), SIGSTOP);
+    EXPECT_FALSE(imageOf(renderer, fragment("slow")));
+    EXPECT_EQ(test::overlayHelperProcess(), 0) << "it was ended";
+    EXPECT_FALSE(isTried(fragment("slow")));
+    EXPECT_TRUE(isTried(fragment("slow", 0.5))) << "in another width";
+
+    ASSERT_TRUE(imageOf(renderer, fragment("b")));
+    kill(test::overlayHelperProcess(), SIGSTOP);
+    const auto under = renderer.image(fragment("innocent"));
+    kill(test::overlayHelperProcess(), SIGKILL);
+    ASSERT_TRUE(test::pumpUntil([&] { return under.isFinished(); }));
+    EXPECT_TRUE(imageOf(renderer, fragment("innocent")));
+}
+
+TEST_F(HTMLRendererTest, noBitmapHasMoreThanFourTimesTheFramesPixels)
+{
+    const std::string high = "<div style='height:5000px;background:red'></div>";
+    for (const double width : { 0.05, 0.42, 1.0, 2.1 }) {
+        const auto image = bitmapOf(fragment(high, width));
+        EXPECT_EQ(image.width(), std::lround(3840 * width));
+        EXPECT_LE(image.pixels(), 4 * 1920 * 1080);
+        EXPECT_GE(image.height(), std::min<std::int64_t>(4 * 1920 * 1080 / image.width(), 8192) - 1) << width;
+        EXPECT_EQ(at(image, image.width() / 2, image.height() - 1), red) << "the rest is cut off";
     }
 }
 
