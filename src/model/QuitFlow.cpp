@@ -49,17 +49,24 @@ QCoro::Task<> QuitFlow::finish()
         m_model.cancelStart();
     while (self && m_model.phase().isCountdown())
         co_await nextEmission(&m_model, &AppModel::phaseChanged);
-    if (self)
-        co_await m_model.recording().finishClip();
     if (!self)
         co_return;
-    const QString problem = co_await problemOfSaving();
+    m_model.setAlert(std::nullopt); // What stands there was said before.
+    co_await m_model.recording().finishClip();
     if (!self)
         co_return;
+    // Nobody sees an alert any more.
+    const QString lost = m_model.alert().value_or(QString());
+    const QString unsaved = co_await problemOfSaving();
+    if (!self)
+        co_return;
+    const QString problem = unsaved.isEmpty() ? lost : unsaved;
     if (problem.isEmpty()) {
         Q_EMIT m_model.readyToQuit();
         co_return;
     }
+    if (m_model.phase() == Phase::saving())
+        m_model.setPhase(Phase::editing());
     m_model.setAlert(std::nullopt); // It says the same.
     setProblem(problem);
     Q_EMIT m_model.attentionWanted();
@@ -77,8 +84,6 @@ QCoro::Task<QString> QuitFlow::problemOfSaving()
     }
     if (self && !co_await m_saver.flush() && self)
         problem += "Could not save the project: "_L1 + m_saver.problem();
-    if (self && !problem.isEmpty())
-        m_model.setPhase(m_model.phase() == Phase::saving() ? Phase::editing() : m_model.phase());
     co_return problem.trimmed();
 }
 

@@ -3,6 +3,7 @@
 #include "model/CaptureDevices.h"
 #include "model/ModelTest.h"
 #include "model/PreviewFlow.h"
+#include "model/QuitFlow.h"
 #include "project/Timeline.h"
 #include "support/Command.h"
 #include "support/FileSizeLimit.h"
@@ -325,6 +326,22 @@ TEST_F(RecordingTest, aClipThatCannotBeWrittenToItsEndIsCompletedFromWhatThereIs
     ASSERT_THAT(onDisk().clips, SizeIs(2)) << "at once where that can be done";
     for (const Clip& clip : m_model.project()->clips)
         EXPECT_NEAR(test::probeEnd(*m_model.folder() / clip.file, "v:0"), clip.duration, 0.05);
+}
+
+TEST_F(RecordingTest, quittingSaysThatTheClipCouldNotBeSaved)
+{
+    bool isReadyToQuit = false;
+    QObject::connect(&m_model, &AppModel::readyToQuit, &m_model, [&] { isReadyToQuit = true; });
+    m_model.record();
+    ASSERT_TRUE(reaches(Phase::recording()));
+    fs::rename(*m_model.folder(), m_folder / "away");
+    m_model.quit();
+    ASSERT_TRUE(pumpUntil([&] { return isReadyToQuit || !m_model.quitting()->problem().isEmpty(); }));
+    EXPECT_THAT(m_model.quitting()->problem().toStdString(), StartsWith("The last clip could not be saved."));
+    EXPECT_FALSE(isReadyToQuit);
+    EXPECT_EQ(m_model.phase(), Phase::editing());
+    m_model.quitting()->quitAllTheSame();
+    EXPECT_TRUE(isReadyToQuit);
 }
 
 TEST_F(RecordingTest, quittingInTheCountdownLeavesNothingBehind)
