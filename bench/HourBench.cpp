@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <cstdio>
 #include <fstream>
 #include <stdexcept>
 #include <thread>
@@ -38,6 +39,7 @@ private:
     void reportMemory(int minute);
     void reportSync(const std::string& figure, int second);
     void reportMissed(const std::string& figure, const std::string& stream);
+    void reportDropped();
 
     const test::TemporaryFolder m_home;
     const test::XServer m_screen{ 1280, 720 };
@@ -54,7 +56,9 @@ HourBench::HourBench()
     std::ofstream(m_home / "config/vantry/settings.ini")
         << "[General]\ncameraID=" << m_scene.camera() << "\nmicID=" << m_microphone.name() << "\nlayout=bubble\n";
     const std::string home = m_home.path().string();
-    m_program = std::make_unique<test::Program>(std::vector<std::string>{ "env", "HOME=" + home,
+    // A program reads and writes nothing of ours.
+    const std::string intoLog = "exec \"$@\" 2>'" + (m_home / "log").string() + "'";
+    m_program = std::make_unique<test::Program>(std::vector<std::string>{ "sh", "-c", intoLog, "sh", "env", "HOME=" + home,
         "XDG_CONFIG_HOME=" + home + "/config", "XDG_DATA_HOME=" + home + "/data", "XDG_VIDEOS_DIR=" + home + "/Videos",
         "QT_LOGGING_RULES=vantry.capture.info=true", VANTRY_PROGRAM, "--autorecord", std::to_string(60 * minutes + 1) });
     m_start = std::chrono::steady_clock::now();
@@ -101,6 +105,25 @@ void HourBench::reportMissed(const std::string& figure, const std::string& strea
     report("hour.missed_" + figure + "_pct", 100 * (1 - count / (minutes * framesPerMinute)), "%");
 }
 
+/// Of what the sources delivered, over all tracks.
+void HourBench::reportDropped()
+{
+    std::ifstream log(m_home / "log");
+    double taken = 0, dropped = 0;
+    for (std::string line; std::getline(log, line);) {
+        int track = 0;
+        double took = 0, lost = 0;
+        const auto at = line.find("clip track");
+        if (at == std::string::npos
+            || std::sscanf(line.c_str() + at, "clip track %d took %lf dropped %lf", &track, &took, &lost) != 3)
+            continue;
+        taken += took + lost;
+        dropped += lost;
+        report("hour.dropped_" + std::to_string(track), lost, "samples");
+    }
+    report("hour.dropped_pct", taken > 0 ? 100 * dropped / taken : 100, "%");
+}
+
 void HourBench::measure()
 {
     reportMemory(1);
@@ -117,6 +140,7 @@ void HourBench::measure()
     const Clip clip = loadProject(project).clips.front();
     m_clip = project / clip.file;
     report("hour.clip_s", clip.duration, "s");
+    reportDropped();
     reportMissed("screen", "v:0");
     reportMissed("camera", "v:1");
     reportSync("begin", 1);

@@ -1,6 +1,6 @@
 #include "media/MovieJournal.h"
 
-#include "base/Log.h"
+#include "base/AppError.h"
 #include "media/TrackParameters.h"
 
 #include <algorithm>
@@ -104,13 +104,13 @@ Descriptor makeFile(const fs::path& path)
     return Descriptor(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, permissions));
 }
 
-[[noreturn]] void refuse(const fs::path& journal, const std::string& why)
+[[noreturn]] void refuse(const std::string& journal, const std::string& why)
 {
-    throw AppError(journal.filename().string() + why);
+    throw AppError(journal + why);
 }
 
 /// Throws when what follows it cannot be understood.
-Head readHead(std::istream& stream, const fs::path& journal)
+Head readHead(std::istream& stream, const std::string& journal)
 {
     Head head;
     if (!vantry::read(stream, head))
@@ -120,6 +120,23 @@ Head readHead(std::istream& stream, const fs::path& journal)
     if (head.form != ourForm || head.codecs != avcodec_version() || head.formats != avformat_version())
         refuse(journal, " was written by another version of Vantry or of FFmpeg");
     return head;
+}
+
+/// The name is for what goes wrong.
+MovieJournal::Contents readAs(const std::string& name, const fs::path& journal)
+{
+    std::error_code unreadable;
+    std::ifstream stream(journal, std::ios::binary);
+    const Head head = readHead(stream, name);
+    std::string bytes(std::min(head.size, mostTrackBytes), '\0');
+    stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    auto tracks = stream && checksumOf(bytes.data(), bytes.size()) == head.checksum ? tracksIn(bytes) : std::nullopt;
+    if (!tracks || tracks->size() != head.tracks || fs::file_size(journal, unreadable) > mostBytes)
+        refuse(name, " is damaged");
+    MovieJournal::Contents contents{ .tracks = *std::move(tracks), .entries = {} };
+    for (MovieJournal::Entry entry; read(stream, entry);)
+        contents.entries.push_back(entry);
+    return contents;
 }
 
 } // namespace
@@ -147,7 +164,8 @@ void MovieJournal::remove(const fs::path& movie)
 }
 
 MovieJournal::MovieJournal(const fs::path& movie, const AVFormatContext& output, const std::vector<AVRational>& timeBases)
-    : m_file(makeFile(pathFor(movie)))
+    : m_name(pathFor(movie).filename().string())
+    , m_file(makeFile(pathFor(movie)))
 {
     flock(m_file.number(), LOCK_EX);
     std::string tracks;
@@ -179,27 +197,19 @@ void MovieJournal::add(const AVPacket& packet, std::int64_t end)
 
 void MovieJournal::write(const void* bytes, std::size_t size)
 {
-    if (!m_isWhole || ::write(m_file.number(), bytes, size) == static_cast<ssize_t>(size))
-        return;
-    const int error = errno;
-    m_isWhole = false;
-    qCWarning(logMedia, "A movie's journal cannot be written: %s", std::generic_category().message(error).c_str());
+    const auto count = ::write(m_file.number(), bytes, size);
+    if (count != static_cast<ssize_t>(size))
+        libav::check(AVERROR(count < 0 ? errno : ENOSPC), "Could not write " + m_name);
+}
+
+MovieJournal::Contents MovieJournal::contents() const
+{
+    return readAs(m_name, "/proc/self/fd/" + std::to_string(m_file.number()));
 }
 
 MovieJournal::Contents MovieJournal::read(const fs::path& journal)
 {
-    std::error_code unreadable;
-    std::ifstream stream(journal, std::ios::binary);
-    const Head head = readHead(stream, journal);
-    std::string bytes(std::min(head.size, mostTrackBytes), '\0');
-    stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    auto tracks = stream && checksumOf(bytes.data(), bytes.size()) == head.checksum ? tracksIn(bytes) : std::nullopt;
-    if (!tracks || tracks->size() != head.tracks || fs::file_size(journal, unreadable) > mostBytes)
-        refuse(journal, " is damaged");
-    Contents contents{ .tracks = *std::move(tracks), .entries = {} };
-    for (Entry entry; vantry::read(stream, entry);)
-        contents.entries.push_back(entry);
-    return contents;
+    return readAs(journal.filename().string(), journal);
 }
 
 } // namespace vantry

@@ -6,13 +6,14 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace vantry {
 
 /// What a clip's file still lacks while it is written, kept in a hidden file beside it: how its tracks were made, and what each
-/// packet is and where it ends. A movie says that at its end only. Should the program die before, the movie can be completed with
-/// it (`completeMovie`). For the sources of this room only. One thread at a time.
+/// packet is and where it ends. A movie says that at its end only, and gets it from here, whether the clip is stopped or the
+/// program died before (`completeMovie`). For the sources of this room only. One thread at a time.
 class MovieJournal {
 public:
     /// Of one packet, in the order of the file. Times are the stream's.
@@ -39,10 +40,14 @@ public:
     };
 
     /// Begins it when the movie's header is written, and keeps others off it for as long as this lives. `timeBases` are the
-    /// encoders', for each stream. What cannot be written ends it: the movie needs none unless something else happens.
+    /// encoders', for each stream. Throws AppError when it cannot be written.
     MovieJournal(const std::filesystem::path& movie, const AVFormatContext& output, const std::vector<AVRational>& timeBases);
 
+    /// Throws AppError when it cannot be written, as on a full disk.
     void add(const AVPacket& packet, std::int64_t end);
+
+    /// What was written so far, even if the file has lost its name. Throws AppError.
+    Contents contents() const;
 
     static std::filesystem::path pathFor(const std::filesystem::path& movie);
 
@@ -57,8 +62,8 @@ public:
 private:
     void write(const void* bytes, std::size_t size);
 
+    const std::string m_name;
     const Descriptor m_file; ///< Open for as long as this lives, and so is the lock.
-    bool m_isWhole = true; ///< So far.
 };
 
 } // namespace vantry

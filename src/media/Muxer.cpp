@@ -2,6 +2,7 @@
 
 #include "base/Durability.h"
 #include "media/AudioEncoder.h"
+#include "media/MovieCompletion.h"
 #include "media/MovieJournal.h"
 #include "media/MovieOutput.h"
 #include "media/VideoEncoder.h"
@@ -9,7 +10,10 @@
 #include <algorithm>
 #include <deque>
 #include <iterator>
+#include <utility>
 #include <vector>
+
+#include <fcntl.h>
 
 namespace vantry {
 
@@ -17,6 +21,9 @@ namespace {
 
 /// How far a clip's end may lie before the newest packet that was written.
 constexpr MediaTime longestCut = std::chrono::seconds(1);
+
+/// Of so many packets a clip's muxer may know in memory, at about 80 bytes each. An hour has half a million.
+constexpr int mostRemembered = 1 << 12;
 
 struct OutputTrack {
     AVStream* stream = nullptr;
@@ -42,10 +49,13 @@ struct Muxer::State {
     libav::OutputPtr output;
     std::deque<OutputTrack> tracks;
     std::optional<MovieJournal> journal; ///< Of a clip.
+    int remembered = 0; ///< Packets since the output was made.
 
     std::string what() const { return "Could not write " + file.filename().string(); }
     int addTrack(const AVCodecContext& encoder);
     void beginJournal();
+    void renewOutput();
+    void complete();
     bool isLeftOut(const OutputTrack& track, const AVPacket& packet) const;
     void hand(OutputTrack& track, Packet packet);
     void endAt(OutputTrack& track, MediaTime end);
@@ -69,6 +79,36 @@ void Muxer::State::beginJournal()
     output->flush_packets = 1;
 }
 
+/// A new one lays out packets as the one before, and knows of none. The header that it wants to write is in the file already.
+void Muxer::State::renewOutput()
+{
+    auto fresh = libav::makeOutput(format, {}, what());
+    fresh->flags |= AVFMT_FLAG_CUSTOM_IO;
+    for (auto& track : tracks)
+        track.stream = &libav::addStream(*fresh, *track.stream->codecpar, track.timeBase);
+    libav::check(avio_open_dyn_buf(&fresh->pb), what());
+    libav::writeHeader(*fresh, format, what());
+    std::uint8_t* header = nullptr;
+    avio_close_dyn_buf(fresh->pb, &header);
+    av_free(header);
+    fresh->pb = std::exchange(output->pb, nullptr);
+    fresh->flags = output->flags;
+    fresh->flush_packets = 1;
+    output = std::move(fresh);
+    remembered = 0;
+}
+
+/// What the output remembers of a clip is only the newest.
+void Muxer::State::complete()
+{
+    libav::check(avio_closep(&output->pb), what());
+    auto contents = journal->contents();
+    auto entries = entriesUntil(static_cast<std::int64_t>(std::filesystem::file_size(file)), contents, what());
+    if (entries.empty())
+        throw AppError(what() + ": nothing was recorded");
+    completeAround(Descriptor(open(file.c_str(), O_RDWR | O_CLOEXEC)), contents.tracks, std::move(entries), what());
+}
+
 /// The packet with nothing but the encoder's priming, where no edit list could say so.
 bool Muxer::State::isLeftOut(const OutputTrack& track, const AVPacket& packet) const
 {
@@ -83,6 +123,8 @@ void Muxer::State::hand(OutputTrack& track, Packet packet)
     if (format == MovieFormat::Publish) {
         libav::check(av_interleaved_write_frame(output.get(), packet.get()), what());
     } else {
+        if (remembered++ == mostRemembered)
+            renewOutput();
         libav::check(av_write_frame(output.get(), packet.get()), what());
         journal->add(*packet, avio_tell(output->pb));
     }
@@ -154,8 +196,12 @@ void Muxer::finish(std::optional<MediaTime> end)
             state.hand(track, std::move(packet));
         track.held.clear();
     }
-    libav::check(av_write_trailer(state.output.get()), state.what());
-    libav::check(avio_closep(&state.output->pb), state.what());
+    if (state.format == MovieFormat::Clip) {
+        state.complete();
+    } else {
+        libav::check(av_write_trailer(state.output.get()), state.what());
+        libav::check(avio_closep(&state.output->pb), state.what());
+    }
     makeDurable(state.file);
 }
 

@@ -17,9 +17,9 @@ enum class MovieFormat {
     Publish, ///< MP4 with the header first and without edit lists: every track begins at 0.
 };
 
-/// Writes one movie file. A clip has a journal beside it, from which it can be completed after a crash (`completeMovie`);
-/// whoever has put the finished clip into a project removes it. Time 0 of every encoder is the movie's time 0, to the sample. One
-/// thread at a time.
+/// Writes one movie file. A clip has a journal beside it, from which it is completed when it is finished, or after a crash
+/// (`completeMovie`): an hour takes no more memory than a minute. Whoever has put the finished clip into a project removes it.
+/// Time 0 of every encoder is the movie's time 0, to the sample. One thread at a time.
 ///
 /// AAC decodes to some silence ahead of the first sample. A clip's edit list tells readers to cut it off; a published movie leaves
 /// out the packet that makes it, at the price of a fade-in within the sound's first 21 ms.

@@ -79,7 +79,7 @@ void AppModel::open(const fs::path& folder)
         return;
     try {
         const auto unsaved = m_saver->unsaved(folder);
-        setProject(unsaved ? *unsaved : loadProject(folder));
+        setProject(unsaved ? unsaved : std::make_shared<const Project>(loadProject(folder)));
     } catch (const std::exception& error) {
         openCutOff(folder, "Could not open project: "_L1 + describe(error));
         return;
@@ -127,7 +127,7 @@ void AppModel::newProject()
 {
     const QDateTime now = QDateTime::currentDateTime();
     setFolder(m_storage.createFolder(now));
-    setProject(vantry::newProject(m_settings, now));
+    setProject(std::make_shared<const Project>(vantry::newProject(m_settings, now)));
 }
 
 void AppModel::dropEmptyProject()
@@ -136,7 +136,7 @@ void AppModel::dropEmptyProject()
         m_saver->drop(*m_folder);
         ProjectStorage::removeIfEmpty(*m_folder);
     }
-    setProject(std::nullopt);
+    setProject(nullptr);
     setFolder(std::nullopt);
 }
 
@@ -165,12 +165,12 @@ QFuture<bool> AppModel::edit(Rebuild rebuild, const std::function<void(Project&)
 {
     if (!m_project)
         return QtFuture::makeReadyFuture(false);
-    Project changed = *m_project;
-    change(changed);
+    auto changed = std::make_shared<Project>(*m_project);
+    change(*changed);
     setProject(std::move(changed));
     if (rebuild == Rebuild::Yes)
         countRevisionUp();
-    return m_folder ? m_saver->save(*m_project, *m_folder, std::move(clips)) : QtFuture::makeReadyFuture(false);
+    return m_folder ? m_saver->save(m_project, *m_folder, std::move(clips)) : QtFuture::makeReadyFuture(false);
 }
 
 QFuture<bool> AppModel::saved()
@@ -182,7 +182,7 @@ void AppModel::newRecording()
 {
     if (!isIdle())
         return;
-    setProject(std::nullopt);
+    setProject(nullptr);
     setFolder(std::nullopt);
     m_preview->clear();
     setPhase(Phase::setup());
@@ -304,7 +304,7 @@ void AppModel::cancelExport()
 
 QUrl AppModel::suggestedVideo() const
 {
-    return vantry::suggestedVideo(root().parent_path(), m_project);
+    return vantry::suggestedVideo(root().parent_path(), m_project.get());
 }
 
 QUrl AppModel::videoIn(const QUrl& folder, const QString& name) const
@@ -408,7 +408,7 @@ void AppModel::countRevisionUp()
     Q_EMIT revisionChanged();
 }
 
-void AppModel::setProject(std::optional<Project> project)
+void AppModel::setProject(std::shared_ptr<const Project> project)
 {
     if (!m_project && !project)
         return;

@@ -101,7 +101,7 @@ public:
 
     /// No recording is under way, nor about to be.
     bool isIdle() const { return m_phase == Phase::setup() || m_phase == Phase::editing(); }
-    const std::optional<Project>& project() const { return m_project; }
+    const std::shared_ptr<const Project>& project() const { return m_project; }
     const std::optional<std::filesystem::path>& folder() const { return m_folder; }
 
     /// Counted up whenever a preview of the project must be rebuilt.
@@ -308,7 +308,7 @@ private:
     QFuture<bool> edit(Rebuild rebuild, const std::function<void(Project&)>& change, std::vector<std::filesystem::path> clips);
     void openCutOff(const std::filesystem::path& folder, const QString& failure);
     QCoro::Task<> completeAndOpen(std::filesystem::path folder, QString failure);
-    void setProject(std::optional<Project> project);
+    void setProject(std::shared_ptr<const Project> project);
     void setFolder(const std::optional<std::filesystem::path>& folder);
 
     ProjectStorage m_storage;
@@ -318,7 +318,7 @@ private:
     Notice m_aiNotice{ m_notices };
 
     Phase m_phase;
-    std::optional<Project> m_project;
+    std::shared_ptr<const Project> m_project;
     std::optional<std::filesystem::path> m_folder;
     int m_revision = 0;
     double m_liveTime = 0;

@@ -36,7 +36,7 @@ ProjectSaver::~ProjectSaver()
     m_worker.finish();
 }
 
-QFuture<bool> ProjectSaver::save(const Project& project, const fs::path& folder, std::vector<fs::path> clips)
+QFuture<bool> ProjectSaver::save(std::shared_ptr<const Project> project, const fs::path& folder, std::vector<fs::path> clips)
 {
     const auto promise = std::make_shared<QPromise<bool>>();
     promise->start();
@@ -45,7 +45,7 @@ QFuture<bool> ProjectSaver::save(const Project& project, const fs::path& folder,
     if (state == m_states.end())
         state = m_states.emplace(folder, Unsaved()).first;
     Unsaved& unsaved = state->second;
-    unsaved.project = std::make_shared<const Project>(project);
+    unsaved.project = std::move(project);
     unsaved.number = ++m_number;
     std::ranges::move(clips, std::back_inserter(unsaved.clips));
     unsaved.waiting.push_back(promise);
@@ -144,11 +144,11 @@ QString ProjectSaver::problem() const
     return state == m_states.end() ? QString() : state->second.failure;
 }
 
-std::optional<Project> ProjectSaver::unsaved(const fs::path& folder) const
+std::shared_ptr<const Project> ProjectSaver::unsaved(const fs::path& folder) const
 {
     const std::lock_guard guard(m_mutex);
     const auto state = const_cast<ProjectSaver*>(this)->find(folder);
-    return state == m_states.end() ? std::nullopt : std::optional(*state->second.project);
+    return state == m_states.end() ? nullptr : state->second.project;
 }
 
 QFuture<bool> ProjectSaver::flush()

@@ -38,10 +38,11 @@ public:
     /// Takes the state of the project in a folder, which is newer than all before it. Once it is on the disk, or a newer one is,
     /// the journals of these clips are forgotten. The future says whether that came about at the first attempt; it is done
     /// without the event loop.
-    QFuture<bool> save(const Project& project, const std::filesystem::path& folder, std::vector<std::filesystem::path> clips = {});
+    QFuture<bool> save(
+        std::shared_ptr<const Project> project, const std::filesystem::path& folder, std::vector<std::filesystem::path> clips = {});
 
-    /// The newest state of the project in a folder, where it is not on the disk yet.
-    std::optional<Project> unsaved(const std::filesystem::path& folder) const;
+    /// The newest state of the project in a folder, where it is not on the disk yet, else null.
+    std::shared_ptr<const Project> unsaved(const std::filesystem::path& folder) const;
 
     /// Tries everything that is not on the disk, and says whether all of it is there now. Done without the event loop too.
     QFuture<bool> flush();

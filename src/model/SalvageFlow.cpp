@@ -133,15 +133,21 @@ bool SalvageFlow::isOpen(const fs::path& folder) const
     return m_model.folder() && fs::equivalent(*m_model.folder(), folder, gone);
 }
 
+/// The newest there is of it, or a new one.
+Project SalvageFlow::closedProject(const CutOff& clip) const
+{
+    const fs::path folder = clip.movie.parent_path();
+    if (const auto unsaved = m_saver.unsaved(folder))
+        return *unsaved;
+    return fs::exists(folder / projectFileName) ? loadProject(folder) : newProject(*m_model.settings(), whenMade(clip.movie));
+}
+
 QFuture<bool> SalvageFlow::addToClosedProject(const CutOff& clip)
 {
     const fs::path folder = clip.movie.parent_path();
-    std::optional<Project> project = m_saver.unsaved(folder);
-    if (!project)
-        project =
-            fs::exists(folder / projectFileName) ? loadProject(folder) : newProject(*m_model.settings(), whenMade(clip.movie));
+    const auto project = std::make_shared<Project>(closedProject(clip));
     append(*project, clip.movie.filename().string(), *clip.length);
-    return m_saver.save(*project, folder, { clip.movie }).then(this, [this](bool isSaved) {
+    return m_saver.save(project, folder, { clip.movie }).then(this, [this](bool isSaved) {
         Q_EMIT m_model.recentChanged();
         return isSaved;
     });

@@ -2,6 +2,7 @@
 
 #include "base/Worker.h"
 #include "model/Notices.h"
+#include "project/Project.h"
 
 #include <QCoroTask>
 #include <QFuture>
@@ -58,6 +59,7 @@ private:
     QFuture<CutOff> completeOne(const std::filesystem::path& movie);
     static CutOff completed(const std::filesystem::path& movie);
     QFuture<bool> put(const CutOff& clip);
+    Project closedProject(const CutOff& clip) const;
     QFuture<bool> addToClosedProject(const CutOff& clip);
     std::vector<std::filesystem::path> unfinishedFolders();
     bool isOpen(const std::filesystem::path& folder) const;

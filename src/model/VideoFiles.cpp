@@ -12,7 +12,7 @@ constexpr auto ending = ".mp4"_L1;
 
 } // namespace
 
-QUrl suggestedVideo(const std::filesystem::path& folder, const std::optional<Project>& project)
+QUrl suggestedVideo(const std::filesystem::path& folder, const Project* project)
 {
     QString name = u"video"_s;
     if (project)

@@ -17,7 +17,7 @@ namespace {
 
 constexpr double nowhere = -1;
 
-double kept(const std::optional<Project>& project, double otherwise)
+double kept(const std::shared_ptr<const Project>& project, double otherwise)
 {
     return project ? totalLength(*project) : otherwise;
 }

@@ -52,4 +52,29 @@ TEST(Muxer, publishedSoundAndPictureMeetToTheSample)
     EXPECT_EQ(std::ranges::count(movieBoxes(file), "moov/trak/edts"), 0);
 }
 
+/// More packets than are remembered of a clip while it is written.
+TEST(Muxer, aLongClipHasEveryPacket)
+{
+    constexpr int count = 10'000;
+    const TemporaryFolder folder;
+    const auto file = folder / "long.mov";
+    VideoEncoder video({ .width = 64, .height = 36, .preset = "ultrafast" });
+    Muxer muxer(file, MovieFormat::Clip);
+    const auto pictures = into(muxer, muxer.addTrack(video));
+    muxer.start();
+    for (int i = 0; i < count; ++i)
+        video.encode(grey(i % 4000 == 0 ? bright : dark, { 64, 36 }), i * frameDuration, PictureKind::Any, pictures);
+    video.finish(pictures);
+    muxer.finish(count * frameDuration);
+
+    const auto frames = probeFrames(file, "v:0");
+    ASSERT_EQ(frames.size(), std::size_t{ count });
+    for (int i = 0; i < count; ++i) {
+        const auto& frame = frames[static_cast<std::size_t>(i)];
+        EXPECT_NEAR(frame.time, i / 30.0, 1e-6);
+        EXPECT_EQ(frame.luma > 130, i % 4000 == 0) << i;
+    }
+    EXPECT_NEAR(probeEnd(file, "v:0"), count / 30.0, 1e-5);
+}
+
 } // namespace vantry
