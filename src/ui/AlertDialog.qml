@@ -8,7 +8,7 @@ StudioDialog {
 
     required property AppModel model
 
-    title: "Vantry"
+    title: qsTr("Vantry")
     visible: model.alert !== ""
     onClosed: model.alert = ""
 
@@ -29,7 +29,7 @@ StudioDialog {
 
             anchors { right: parent.right; rightMargin: 20 }
             kind: StudioButton.Kind.Primary
-            text: "OK"
+            text: qsTr("OK")
             focus: true
             onClicked: dialog.close()
         }

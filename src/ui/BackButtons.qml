@@ -30,9 +30,9 @@ Control {
 
         Repeater {
             model: [
-                { seconds: 10, label: "10 s", name: "Back 10 seconds" },
-                { seconds: 30, label: "30 s", name: "Back 30 seconds" },
-                { seconds: 60, label: "1 min", name: "Back 1 minute" }
+                { seconds: 10, label: qsTr("10 s"), name: qsTr("Back 10 seconds") },
+                { seconds: 30, label: qsTr("30 s"), name: qsTr("Back 30 seconds") },
+                { seconds: 60, label: qsTr("1 min"), name: qsTr("Back 1 minute") }
             ]
 
             KeyButton {
@@ -44,7 +44,7 @@ Control {
                 horizontalPadding: 7
                 text: modelData.label
                 Accessible.name: modelData.name
-                Accessible.description: "Stop and review from a bit earlier — retake or add a bubble there"
+                Accessible.description: qsTr("Stop and review from a bit earlier — retake or add a bubble there")
                 onClicked: buttons.model.stop(modelData.seconds)
 
                 contentItem: Text {

@@ -10,7 +10,7 @@ FloatingPanel {
     required property rect place
     property rect current: place
 
-    title: "Vantry camera"
+    title: qsTr("Vantry camera")
     width: 200
     height: 200
     cornerRadius: 10000
@@ -22,7 +22,7 @@ FloatingPanel {
     Behavior on current {
         enabled: panel.visible
 
-        PropertyAnimation { duration: 220; easing.type: Easing.InOutQuad }
+        PropertyAnimation { duration: Theme.layoutMotion / 2; easing.type: Easing.InOutQuad }
     }
 
     CameraPreview {

@@ -29,7 +29,7 @@ Rectangle {
         mirror: frame.mirror
         radius: frame.radius
         Accessible.role: Accessible.Graphic
-        Accessible.name: "Camera"
+        Accessible.name: qsTr("Camera")
     }
 
     Rectangle {

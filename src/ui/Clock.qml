@@ -7,5 +7,5 @@ Digits {
 
     text: Format.timecode(seconds)
     font { pixelSize: 19; weight: Font.DemiBold }
-    Accessible.name: "Recorded " + text
+    Accessible.name: qsTr("Recorded %1").arg(text)
 }

@@ -27,7 +27,7 @@ ColumnLayout {
     RowLayout {
         Layout.margins: screen.margin
         Layout.bottomMargin: 0
-        spacing: Theme.gap
+        spacing: Theme.space12
 
         ColumnLayout {
             spacing: 4
@@ -50,7 +50,7 @@ ColumnLayout {
         }
 
         StudioButton {
-            text: "New recording"
+            text: qsTr("New recording")
             enabled: !screen.exporting
             icon.source: "qrc:/icons/plus.svg"
             onClicked: screen.model.newRecording()
@@ -58,7 +58,7 @@ ColumnLayout {
 
         StudioButton {
             kind: StudioButton.Kind.Primary
-            text: "Export MP4"
+            text: qsTr("Export MP4")
             enabled: screen.recorded && !screen.exporting
             icon.source: "qrc:/icons/share.svg"
             onClicked: exportDialog.ask()
@@ -87,24 +87,24 @@ ColumnLayout {
 
             anchors.centerIn: parent
             visible: !screen.exporting
-            spacing: Theme.gap
+            spacing: Theme.space12
 
             StudioButton {
                 kind: StudioButton.Kind.Record
-                text: "Record more"
+                text: qsTr("Record more")
                 icon.source: "qrc:/icons/circle-dot.svg"
                 onClicked: screen.model.record()
             }
 
             StudioButton {
-                text: "Retake last 10 s"
+                text: qsTr("Retake last 10 s")
                 enabled: screen.model.projectLength > 10
                 icon.source: "qrc:/icons/rotate-ccw.svg"
                 onClicked: screen.model.retakeLast(10)
             }
 
             StudioButton {
-                text: "Retake last 30 s"
+                text: qsTr("Retake last 30 s")
                 enabled: screen.model.projectLength > 30
                 icon.source: "qrc:/icons/rotate-ccw.svg"
                 onClicked: screen.model.retakeLast(30)

@@ -14,7 +14,7 @@ StudioDialog {
     readonly property bool named: file.toString() !== ""
     property bool taken: false
 
-    title: "Export MP4"
+    title: qsTr("Export MP4")
     width: 480
     onFileChanged: taken = model.isTaken(file)
 
@@ -39,7 +39,7 @@ StudioDialog {
     }
 
     contentItem: ColumnLayout {
-        spacing: Theme.gap
+        spacing: Theme.space12
 
         StudioField {
             id: name
@@ -47,11 +47,11 @@ StudioDialog {
             Layout.fillWidth: true
             focus: true
             onAccepted: dialog.save()
-            Accessible.name: "File name"
+            Accessible.name: qsTr("File name")
         }
 
         RowLayout {
-            spacing: Theme.gap
+            spacing: Theme.space12
 
             Label {
                 Layout.fillWidth: true
@@ -59,17 +59,17 @@ StudioDialog {
                 color: Theme.inkSecondary
                 elide: Text.ElideMiddle
                 font.pixelSize: Theme.fontSize
-                Accessible.name: "In the folder " + text
+                Accessible.name: qsTr("In the folder %1").arg(text)
             }
 
             StudioButton {
-                text: "Choose folder…"
+                text: qsTr("Choose folder…")
                 onClicked: folderDialog.open()
             }
         }
 
         Label {
-            text: dialog.taken ? "A file of this name is there already." : name.text.includes("/") ? "A name has no “/” in it." : ""
+            text: dialog.taken ? qsTr("A file of this name is there already.") : name.text.includes("/") ? qsTr("A name has no “/” in it.") : ""
             color: Theme.recording
             font.pixelSize: Theme.fontSize
             Accessible.role: Accessible.AlertMessage
@@ -84,16 +84,16 @@ StudioDialog {
             id: answers
 
             anchors { right: parent.right; rightMargin: 20 }
-            spacing: Theme.gap
+            spacing: Theme.space12
 
             StudioButton {
-                text: "Cancel"
+                text: qsTr("Cancel")
                 onClicked: dialog.close()
             }
 
             StudioButton {
                 kind: StudioButton.Kind.Primary
-                text: dialog.taken ? "Replace" : "Export"
+                text: dialog.taken ? qsTr("Replace") : qsTr("Export")
                 enabled: dialog.named
                 onClicked: dialog.save()
             }
@@ -103,7 +103,7 @@ StudioDialog {
     FolderDialog {
         id: folderDialog
 
-        title: "Choose folder"
+        title: qsTr("Choose folder")
         currentFolder: dialog.folder
         onAccepted: dialog.folder = selectedFolder
     }

@@ -10,7 +10,7 @@ RowLayout {
     required property AppModel model
 
     width: Theme.columnWidth
-    spacing: Theme.gap
+    spacing: Theme.space12
 
     Label {
         Layout.preferredWidth: 110
@@ -24,7 +24,7 @@ RowLayout {
 
         Layout.preferredWidth: Theme.columnWidth - 250
         value: status.model.exportProgress ?? 0
-        Accessible.name: "Export progress"
+        Accessible.name: qsTr("Export progress")
 
         background: Rectangle {
             implicitHeight: 6
@@ -39,16 +39,16 @@ RowLayout {
                 width: bar.visualPosition * parent.width
                 height: parent.height
                 radius: 3
-                color: Theme.accent
+                color: Theme.accentBlue
             }
         }
     }
 
     StudioButton {
         Layout.preferredWidth: 116
-        text: "Cancel"
+        text: qsTr("Cancel")
         icon.source: "qrc:/icons/x.svg"
         onClicked: status.model.cancelExport()
-        Accessible.name: "Cancel export"
+        Accessible.name: qsTr("Cancel export")
     }
 }

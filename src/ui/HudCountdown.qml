@@ -8,9 +8,9 @@ RowLayout {
 
     required property AppModel model
 
-    spacing: Theme.gap
+    spacing: Theme.space12
 
-    HudText { text: "Recording in " + row.model.phase.secondsLeft }
+    HudText { text: qsTr("Recording in %1").arg(row.model.phase.secondsLeft) }
 
     Row {
         spacing: 6
@@ -26,7 +26,7 @@ RowLayout {
                 radius: 4
                 color: index < row.model.phase.secondsLeft ? Theme.recording : Theme.line
 
-                Behavior on color { ColorAnimation { duration: 180 } }
+                Behavior on color { ColorAnimation { duration: Theme.choiceMotion } }
             }
         }
     }
@@ -34,9 +34,9 @@ RowLayout {
     Item { Layout.fillWidth: true }
 
     StudioButton {
-        text: "Cancel"
+        text: qsTr("Cancel")
         icon.source: "qrc:/icons/x.svg"
-        Accessible.description: "Don't record (⌃⌥R) — nothing is recorded or cut"
+        help: qsTr("Don't record (%1) — nothing is recorded or cut").arg(Words.recordKeys)
         onClicked: row.model.cancelStart()
     }
 }

@@ -10,7 +10,7 @@ FloatingPanel {
     required property bool shown
     required property rect place
 
-    title: "Vantry controls"
+    title: qsTr("Vantry controls")
     width: 760
     height: 64
     cornerRadius: 14
@@ -72,6 +72,6 @@ FloatingPanel {
     Component {
         id: saving
 
-        HudText { text: "Saving recording…" }
+        HudText { text: qsTr("Saving recording…") }
     }
 }

@@ -33,8 +33,8 @@ RowLayout {
 
     IconButton {
         icon.source: "qrc:/icons/arrow-" + row.corners[row.model.liveCorner] + ".svg"
-        Accessible.name: "Move camera bubble to the next corner"
-        Accessible.description: "Move the camera bubble (⌃⌥C)"
+        name: qsTr("Move camera bubble to the next corner")
+        help: qsTr("Move the camera bubble (%1)").arg(Words.cornerKeys)
         onClicked: row.model.nextCorner()
     }
 
@@ -44,7 +44,7 @@ RowLayout {
 
     StudioButton {
         kind: StudioButton.Kind.Record
-        text: "Stop"
+        text: qsTr("Stop")
         icon.source: "qrc:/icons/square.svg"
         onClicked: row.model.stop(0)
     }

@@ -16,7 +16,7 @@ ApplicationWindow {
     minimumWidth: 640
     minimumHeight: 480
     visible: idle
-    title: "Vantry"
+    title: qsTr("Vantry")
     color: Theme.canvas
     palette {
         window: Theme.canvas
@@ -28,7 +28,7 @@ ApplicationWindow {
         light: Theme.raised
         mid: Theme.line
         dark: Theme.inkSecondary
-        highlight: Theme.accent
+        highlight: Theme.accentBlue
         highlightedText: Theme.ink
         placeholderText: Theme.inkSecondary
     }
@@ -107,7 +107,7 @@ ApplicationWindow {
     }
 
     Label {
-        anchors { left: parent.left; right: parent.right; bottom: parent.bottom; margins: Theme.gap }
+        anchors { left: parent.left; right: parent.right; bottom: parent.bottom; margins: Theme.space12 }
         text: window.model.status
         color: Theme.inkSecondary
         elide: Text.ElideRight

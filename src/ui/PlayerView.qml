@@ -26,10 +26,10 @@ FocusScope {
 
         // Exactly 16:9 in whole pixels, so that nothing of the picture is cut off and no edge is left.
         readonly property int sixteenth:
-            Math.max(Math.min(player.width / 16, (player.height - controls.height - Theme.gap) / 9), 0)
+            Math.max(Math.min(player.width / 16, (player.height - controls.height - Theme.space12) / 9), 0)
 
         x: Math.round((player.width - width) / 2)
-        y: Math.round((player.height - controls.height - Theme.gap - height) / 2)
+        y: Math.round((player.height - controls.height - Theme.space12 - height) / 2)
         width: 16 * sixteenth
         height: 9 * sixteenth
         color: "black"
@@ -48,7 +48,7 @@ FocusScope {
             anchors.fill: parent
             preview: player.preview
             Accessible.role: Accessible.Graphic
-            Accessible.name: "Preview"
+            Accessible.name: qsTr("Preview")
         }
 
         // Round corners: what lies outside of them is painted over. A clip of this shape would cost a drawing of its own.
@@ -72,14 +72,14 @@ FocusScope {
     RowLayout {
         id: controls
 
-        anchors { left: frame.left; right: frame.right; top: frame.bottom; topMargin: Theme.gap }
+        anchors { left: frame.left; right: frame.right; top: frame.bottom; topMargin: Theme.space12 }
         enabled: !player.preview.isEmpty
         opacity: enabled ? 1 : 0.5
-        spacing: Theme.gap
+        spacing: Theme.space12
 
         IconButton {
             focus: true
-            text: player.preview.isPlaying ? "Pause" : "Play"
+            name: player.preview.isPlaying ? qsTr("Pause") : qsTr("Play")
             icon.source: player.preview.isPlaying ? "qrc:/icons/pause.svg" : "qrc:/icons/play.svg"
             onClicked: player.preview.toggle()
         }

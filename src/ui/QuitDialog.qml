@@ -8,7 +8,7 @@ StudioDialog {
 
     required property AppModel model
 
-    title: "Quit Vantry?"
+    title: qsTr("Quit Vantry?")
     visible: model.quitting.problem !== ""
     onRejected: model.quitting.stay()
 
@@ -28,16 +28,16 @@ StudioDialog {
             id: answers
 
             anchors { right: parent.right; rightMargin: 20 }
-            spacing: Theme.gap
+            spacing: Theme.space12
 
             StudioButton {
-                text: "Quit All the Same"
+                text: qsTr("Quit All the Same")
                 onClicked: dialog.model.quitting.quitAllTheSame()
             }
 
             StudioButton {
                 kind: StudioButton.Kind.Primary
-                text: "Try Again"
+                text: qsTr("Try Again")
                 focus: true
                 onClicked: dialog.model.quitting.start()
             }

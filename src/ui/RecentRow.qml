@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Controls.impl
+import Vantry
 
 /// One earlier recording; pressing it opens it.
 KeyButton {
@@ -11,7 +12,7 @@ KeyButton {
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     padding: 10
     horizontalPadding: 12
-    Accessible.name: "Open recording " + text
+    Accessible.name: qsTr("Open recording %1").arg(text)
 
     contentItem: IconLabel {
         alignment: Qt.AlignLeft

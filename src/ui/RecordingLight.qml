@@ -1,4 +1,5 @@
 import QtQuick
+import Vantry
 
 /// Says that a clip is being recorded: it blinks with the clock. Anything smoother would paint all the time and take from the recording.
 Rectangle {

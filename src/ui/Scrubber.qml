@@ -16,7 +16,7 @@ Slider {
     hoverEnabled: true
     onMoved: model.seek(value)
     onPressedChanged: pressed ? preview.hold() : preview.release()
-    Accessible.name: "Playhead"
+    Accessible.name: qsTr("Playhead")
     Accessible.description: Format.timecode(model.playhead) + " of " + Format.timecode(preview.length)
 
     // The slider itself waits for a movement before it takes one for a drag.
@@ -43,7 +43,7 @@ Slider {
             width: scrubber.handle.x + scrubber.handle.width / 2
             height: parent.height
             radius: 2
-            color: Theme.accent
+            color: Theme.accentBlue
         }
     }
 
@@ -56,7 +56,7 @@ Slider {
         color: Theme.ink
         scale: scrubber.pressed ? 1.2 : scrubber.hovered ? 1.1 : 1
 
-        Behavior on scale { NumberAnimation { duration: 120; easing.type: Easing.OutQuad } }
+        Behavior on scale { NumberAnimation { duration: Theme.hoverMotion; easing.type: Easing.OutQuad } }
 
         FocusRing {
             radius: parent.radius + 3

@@ -9,18 +9,22 @@ ColumnLayout {
 
     required property AppModel model
 
-    spacing: Theme.gap * 2
+    spacing: Theme.space24
 
-    RecordButton {
+    ArtButton {
         Layout.alignment: Qt.AlignHCenter
         Layout.topMargin: 72
+        implicitWidth: 132
+        implicitHeight: 132
+        art: "qrc:/art/record-button.svg"
+        text: qsTr("Record")
         focus: true
         onClicked: screen.model.record()
     }
 
     Label {
         Layout.alignment: Qt.AlignHCenter
-        text: "Records after a countdown of three seconds."
+        text: qsTr("Records after a countdown of three seconds.")
         color: Theme.inkSecondary
         font.pixelSize: Theme.fontSize
     }
@@ -32,11 +36,11 @@ ColumnLayout {
     }
 
     Label {
-        Layout.topMargin: Theme.gap * 2
+        Layout.topMargin: Theme.space24
         Layout.alignment: Qt.AlignHCenter
         Layout.preferredWidth: Theme.columnWidth
         visible: list.count > 0
-        text: "Recent recordings"
+        text: qsTr("Recent recordings")
         color: Theme.ink
         font { pixelSize: 15; weight: Font.DemiBold }
     }
@@ -47,13 +51,13 @@ ColumnLayout {
         Layout.alignment: Qt.AlignHCenter
         Layout.preferredWidth: Theme.columnWidth
         Layout.fillHeight: true
-        Layout.bottomMargin: Theme.gap * 2
+        Layout.bottomMargin: Theme.space24
         clip: true
         spacing: 6
         boundsBehavior: Flickable.StopAtBounds
         model: screen.model.recent
         Accessible.role: Accessible.List
-        Accessible.name: "Recent recordings"
+        Accessible.name: qsTr("Recent recordings")
         ScrollBar.vertical: ScrollBar { }
 
         delegate: RecentRow {

@@ -1,5 +1,8 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls.Basic
+import Vantry
 
 /// A text whose digits all take the same room, so that it does not tremble while they run.
 Row {

@@ -1,4 +1,5 @@
 import QtQuick
+import Vantry
 
 /// How loud the microphone is: green while it is well, amber when it gets too loud, red when it clips.
 Rectangle {
@@ -11,8 +12,8 @@ Rectangle {
     radius: height / 2
     color: Theme.line
     Accessible.role: Accessible.Indicator
-    Accessible.name: "Microphone level"
-    Accessible.description: Math.round(level * 100) + " percent"
+    Accessible.name: qsTr("Microphone level")
+    Accessible.description: qsTr("%1 percent").arg(Math.round(level * 100))
 
     Rectangle {
         width: meter.width * meter.level

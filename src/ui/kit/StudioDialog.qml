@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Templates as T
+import Vantry
 
 /// A panel in the middle of the window, which waits until it is answered. Escape closes it.
 Dialog {
@@ -8,24 +9,24 @@ Dialog {
 
     anchors.centerIn: T.Overlay.overlay
     width: 420
-    padding: 20
+    padding: Theme.space24
     modal: true
     focus: true
     closePolicy: Popup.CloseOnEscape
 
     background: Rectangle {
-        radius: 12
-        color: Theme.raised
+        radius: Theme.radius14
+        color: Theme.panel
         border.color: Theme.line
     }
 
     header: Label {
         text: dialog.title
         color: Theme.ink
-        padding: 20
+        padding: Theme.space24
         bottomPadding: 0
-        font { pixelSize: 16; weight: Font.DemiBold }
+        font { pixelSize: Theme.headSize; weight: Font.DemiBold }
     }
 
-    T.Overlay.modal: Rectangle { color: "#90000000" }
+    T.Overlay.modal: Rectangle { color: Theme.shade }
 }

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import Vantry
 
 /// A line of text of the common style.
 TextField {
@@ -7,14 +8,14 @@ TextField {
 
     padding: 9
     color: Theme.ink
-    selectionColor: Theme.accent
+    selectionColor: Theme.accentBlue
     selectedTextColor: Theme.canvas
     selectByMouse: true
     font.pixelSize: Theme.fontSize
 
     background: Rectangle {
         radius: Theme.radius
-        color: Theme.panel
-        border.color: field.activeFocus ? Theme.accent : Theme.line
+        color: Theme.well
+        border.color: field.activeFocus ? Theme.accentBlue : Theme.line
     }
 }
