@@ -3,6 +3,7 @@
 #include "base/HostTime.h"
 #include "model/CaptureDevices.h"
 #include "model/Coroutines.h"
+#include "model/Readiness.h"
 #include "selftest/RetakeCancel.h"
 
 #include <QCoreApplication>
@@ -29,6 +30,7 @@ void Launch::start()
 QCoro::Task<> Launch::run()
 {
     m_model.salvage();
+    m_model.readiness()->watch();
     if (m_line.open) {
         m_model.open(*m_line.open);
         co_return;

@@ -28,13 +28,18 @@ fs::path innermostThere(fs::path folder)
 
 } // namespace
 
-void checkClipFolder(const fs::path& folder)
+fs::path checkRecordingsFolder(const fs::path& folder)
 {
     const fs::path there = innermostThere(folder);
     if (::access((there / ".").c_str(), W_OK | X_OK) != 0) // The dot: a file is no folder.
         refuse(there, errno);
     DiskRoom(there).checkForClip();
-    if (there != folder)
+    return there;
+}
+
+void checkClipFolder(const fs::path& folder)
+{
+    if (checkRecordingsFolder(folder) != folder)
         refuse(folder, ENOENT);
 }
 

@@ -8,4 +8,8 @@ namespace vantry {
 /// no room. Of a folder that could not be made it says why not.
 void checkClipFolder(const std::filesystem::path& folder);
 
+/// The same for a folder of recordings that may have to be made first. Gives the innermost folder that is there: the folder itself
+/// or one around it.
+std::filesystem::path checkRecordingsFolder(const std::filesystem::path& folder);
+
 } // namespace vantry

@@ -22,10 +22,12 @@ constexpr std::uintmax_t roomForAClip = 2 * roomForTheEnd;
 
 constexpr HostDuration lookInterval = 1s;
 
+constexpr auto untold = static_cast<std::uintmax_t>(-1);
+
 std::uintmax_t roomIn(const std::filesystem::path& folder)
 {
     std::error_code error;
-    return std::filesystem::space(folder, error).available; // The largest number where it cannot be told.
+    return std::filesystem::space(folder, error).available; // `untold` where it cannot be told.
 }
 
 } // namespace
@@ -41,6 +43,14 @@ void DiskRoom::checkForClip() const
     if (room < roomForAClip)
         throw AppError("The disk is full: " + std::to_string(room / megabyte) + " MB are left where recordings are kept, and "
             + std::to_string(roomForAClip / megabyte) + " MB are needed to begin");
+}
+
+std::optional<std::uintmax_t> DiskRoom::bytesForClips() const
+{
+    const auto room = roomIn(m_folder);
+    if (room == untold)
+        return std::nullopt;
+    return room > roomForTheEnd ? room - roomForTheEnd : 0;
 }
 
 bool DiskRoom::isRunningOut()

@@ -2,7 +2,9 @@
 
 #include "base/HostTime.h"
 
+#include <cstdint>
 #include <filesystem>
+#include <optional>
 
 namespace vantry {
 
@@ -15,6 +17,9 @@ public:
 
     /// Throws AppError when there is not enough to begin a clip.
     void checkForClip() const;
+
+    /// How much clips may take up from now on. Nothing where the disk does not tell.
+    std::optional<std::uintmax_t> bytesForClips() const;
 
     /// No more is left than completing the clip may take. Looks once a second at most.
     bool isRunningOut();

@@ -17,11 +17,13 @@
 #include "model/PreviewFlow.h"
 #include "model/ProjectSaver.h"
 #include "model/QuitFlow.h"
+#include "model/Readiness.h"
 #include "model/RecordingFlow.h"
 #include "model/SalvageFlow.h"
 #include "model/TranscriptionFlow.h"
 #include "model/VideoFiles.h"
 #include "model/YouTubeFlow.h"
+#include "platform/MotionSetting.h"
 #include "project/Edits.h"
 #include "project/ProjectFile.h"
 #include "project/Timeline.h"
@@ -40,6 +42,7 @@ AppModel::AppModel(Options options)
     : m_storage(std::move(options.root))
     , m_settings(options.settingsFile)
     , m_transcribe(options.transcribe)
+    , m_motion(std::make_unique<MotionSetting>())
     , m_saver(std::make_unique<ProjectSaver>(m_notices))
     , m_salvage(std::make_unique<SalvageFlow>(*this, *m_saver))
     , m_recorder(std::make_unique<Recorder>())
@@ -58,9 +61,12 @@ AppModel::AppModel(Options options)
     , m_aiOverlay(std::make_unique<OverlayFlow>(*this, *m_ai, m_aiNotice))
     , m_youTube(std::make_unique<YouTubeFlow>(*this, *m_ai, m_aiNotice, [this] { return transcribeAll(); }))
     , m_quit(std::make_unique<QuitFlow>(*this, *m_saver, *m_salvage))
+    , m_readiness(std::make_unique<Readiness>(*this))
 {
     connect(m_saver.get(), &ProjectSaver::failed, this,
         [this](const QString& description) { setAlert("Could not save the project: "_L1 + description); });
+    connect(m_motion.get(), &MotionSetting::changed, this, &AppModel::reducedMotionChanged);
+    connect(&m_settings, &Settings::reduceMotionChanged, this, &AppModel::reducedMotionChanged);
     connect(&m_notices, &Notices::changed, this, &AppModel::statusChanged);
     connect(this, &AppModel::projectChanged, this, &AppModel::liveLayoutChanged);
     connect(&m_settings, &Settings::setupLayoutChanged, this, &AppModel::liveLayoutChanged);
@@ -350,6 +356,11 @@ std::optional<Display> AppModel::screen() const
     } catch (const std::exception&) {
         return std::nullopt;
     }
+}
+
+bool AppModel::reducedMotion() const
+{
+    return m_settings.reduceMotion() || m_motion->isReduced();
 }
 
 bool AppModel::hasCamera() const

@@ -34,11 +34,13 @@ class CaptureDevices;
 class EditingCommands;
 class ExportFlow;
 class FieldBinding;
+class MotionSetting;
 class OverlayFlow;
 class OverlayPictures;
 class PreviewFlow;
 class ProjectSaver;
 class QuitFlow;
+class Readiness;
 class Recorder;
 class RecordingFlow;
 class SalvageFlow;
@@ -63,6 +65,7 @@ class AppModel : public QObject {
     Q_MOC_INCLUDE("model/FieldBinding.h")
     Q_MOC_INCLUDE("model/PreviewFlow.h")
     Q_MOC_INCLUDE("model/QuitFlow.h")
+    Q_MOC_INCLUDE("model/Readiness.h")
     Q_PROPERTY(vantry::Phase phase READ phase NOTIFY phaseChanged)
     Q_PROPERTY(QString folder READ folderText NOTIFY folderChanged)
     Q_PROPERTY(QString projectName READ projectName NOTIFY projectChanged)
@@ -77,10 +80,12 @@ class AppModel : public QObject {
     Q_PROPERTY(vantry::CornerKind::Kind liveCorner READ liveCornerKind NOTIFY liveLayoutChanged)
     Q_PROPERTY(QVariant exportProgress READ exportProgressValue NOTIFY exportProgressChanged)
     Q_PROPERTY(QStringList recent READ recentFolders NOTIFY recentChanged)
+    Q_PROPERTY(bool reducedMotion READ reducedMotion NOTIFY reducedMotionChanged)
     Q_PROPERTY(vantry::Settings* settings READ settings CONSTANT)
     Q_PROPERTY(vantry::CaptureDevices* devices READ devices CONSTANT)
     Q_PROPERTY(vantry::PreviewFlow* preview READ preview CONSTANT)
     Q_PROPERTY(vantry::QuitFlow* quitting READ quitting CONSTANT)
+    Q_PROPERTY(vantry::Readiness* readiness READ readiness CONSTANT)
 
 public:
     struct Options {
@@ -133,6 +138,9 @@ public:
     /// Diameter of the bubble as a fraction of the frame's height: the project's, else the next recording's.
     double bubbleSize() const;
 
+    /// The desktop, or the user, asks for less motion.
+    bool reducedMotion() const;
+
     /// Whoever has something to say of what goes on holds a notice here.
     Notices& notices() { return m_notices; }
 
@@ -140,6 +148,7 @@ public:
     CaptureDevices* devices() { return m_devices.get(); }
     PreviewFlow* preview() { return m_preview.get(); }
     QuitFlow* quitting() { return m_quit.get(); }
+    Readiness* readiness() { return m_readiness.get(); }
     Recorder& recorder() { return *m_recorder; }
     RecordingFlow& recording() { return *m_recording; }
     ExportFlow& exporting() { return *m_export; }
@@ -284,6 +293,7 @@ Q_SIGNALS:
     void busyChanged();
     void statusChanged();
     void liveLayoutChanged();
+    void reducedMotionChanged();
     void exportProgressChanged();
     void recentChanged();
     void readyToQuit();
@@ -328,6 +338,7 @@ private:
     std::optional<double> m_exportProgress;
     std::optional<double> m_pendingSeek;
 
+    std::unique_ptr<MotionSetting> m_motion;
     std::unique_ptr<ProjectSaver> m_saver;
     std::unique_ptr<SalvageFlow> m_salvage;
     std::unique_ptr<Recorder> m_recorder;
@@ -342,6 +353,7 @@ private:
     std::unique_ptr<OverlayFlow> m_aiOverlay;
     std::unique_ptr<YouTubeFlow> m_youTube;
     std::unique_ptr<QuitFlow> m_quit;
+    std::unique_ptr<Readiness> m_readiness;
     Tidying m_tidying;
 };
 

@@ -43,6 +43,7 @@ CaptureDevices::CaptureDevices(AppModel& model, Recorder& recorder)
     , m_sourceNotices(model, recorder)
     , m_cameraNotice(model.notices())
     , m_microphoneNotice(model.notices())
+    , m_silenceNotice(model.notices())
     , m_choice(*model.settings())
 {
     m_meter.setInterval(meterInterval);
@@ -164,10 +165,34 @@ void CaptureDevices::tell()
 void CaptureDevices::measure()
 {
     const double level = std::clamp((m_recorder.session().micPower() - quietest) / -quietest, 0.0, 1.0);
+    listen(level);
     if (std::abs(level - m_micLevel) <= smallestStep)
         return;
     m_micLevel = level;
     Q_EMIT micLevelChanged();
+}
+
+/// Who edits, or has another trouble with the microphone, is told nothing of it.
+void CaptureDevices::listen(double level)
+{
+    const HostTime now = HostClock::now();
+    const MediaDevice* microphone = m_choice.microphone();
+    const bool isHeard =
+        m_isRunning && microphone && m_model.phase() != Phase::editing() && !m_sourceNotices.has(CaptureSource::Microphone);
+    const QString id = isHeard ? QString::fromStdString(microphone->id) : QString();
+    if (!isHeard || changeTo(m_heardMicrophone, id))
+        m_voice.start(now);
+    m_voice.hear(level, now);
+    setSilence(m_voice.isSilent(now) ? tr("Nothing is heard from %1. Is it muted?").arg(QString::fromStdString(microphone->name))
+                                     : QString());
+}
+
+void CaptureDevices::setSilence(const QString& text)
+{
+    const bool isUnderWay = m_model.phase().isCountdown() || m_model.phase() == Phase::recording();
+    m_silenceNotice.warn(isUnderWay ? text : QString());
+    if (changeTo(m_silence, text))
+        Q_EMIT silenceChanged();
 }
 
 QVariantList CaptureDevices::camerasForViews() const

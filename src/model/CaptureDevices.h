@@ -4,6 +4,7 @@
 #include "model/DeviceChoice.h"
 #include "model/Notices.h"
 #include "model/SourceNotices.h"
+#include "model/VoiceWatch.h"
 #include "platform/Displays.h"
 #include "platform/MediaDevices.h"
 
@@ -28,6 +29,7 @@ class CaptureDevices : public QObject {
     Q_PROPERTY(QVariantList cameras READ camerasForViews NOTIFY camerasChanged)
     Q_PROPERTY(QVariantList mics READ micsForViews NOTIFY micsChanged)
     Q_PROPERTY(double micLevel READ micLevel NOTIFY micLevelChanged)
+    Q_PROPERTY(QString silence READ silence NOTIFY silenceChanged)
     Q_PROPERTY(vantry::CameraMirror* mirror READ mirror CONSTANT)
 
 public:
@@ -41,6 +43,10 @@ public:
     /// How loud the microphone is, from 0 to 1: the last 60 dB below full scale.
     double micLevel() const { return m_micLevel; }
     CameraMirror* mirror() { return &m_mirror; }
+
+    /// Says so when nothing has been heard from the microphone for a while, by its name; else empty. While a clip is counted in or
+    /// recorded the status says it too.
+    QString silence() const { return m_silence; }
 
     /// The chosen display as it is now, else the first. Nothing where there is none. Throws AppError when nobody knows the
     /// displays.
@@ -66,6 +72,7 @@ Q_SIGNALS:
     void camerasChanged();
     void micsChanged();
     void micLevelChanged();
+    void silenceChanged();
 
 private:
     QVariantList camerasForViews() const;
@@ -77,6 +84,8 @@ private:
     void reconfigure();
     void tell();
     void measure();
+    void listen(double level);
+    void setSilence(const QString& text);
 
     AppModel& m_model;
     Recorder& m_recorder;
@@ -84,6 +93,10 @@ private:
     SourceNotices m_sourceNotices;
     Notice m_cameraNotice;
     Notice m_microphoneNotice;
+    Notice m_silenceNotice;
+    VoiceWatch m_voice;
+    QString m_silence;
+    QString m_heardMicrophone; ///< Whose voice is waited for.
     QTimer m_meter;
     std::vector<Display> m_displays;
     MediaDeviceList m_devices;

@@ -93,6 +93,7 @@ Settings::Settings(const std::filesystem::path& file)
     , m_setupBlur(boolean(m_file.value("blur"), false))
     // A list is what the file's format makes of a rectangle that was typed in without quotes.
     , m_setupCrop(parseCrop(m_file.value("crop").toStringList().join(", "_L1)))
+    , m_reduceMotion(boolean(m_file.value("reduceMotion"), false))
     , m_model(wholeText(m_file.value("model", AI::defaultModel)))
     , m_tokensPath(wholeText(m_file.value("tokensPath", AI::defaultTokensPath)))
     , m_speechLocale(m_file.value("speechLocale", u"en-US"_s).toString())
@@ -187,6 +188,13 @@ void Settings::setSetupCrop(const std::optional<CropRect>& value)
     m_file.setValue("crop", value ? QVariant(cropText(*value)) : QVariant());
     if (changeTo(m_setupCrop, value))
         Q_EMIT setupCropChanged();
+}
+
+void Settings::setReduceMotion(bool value)
+{
+    m_file.setValue("reduceMotion", value);
+    if (changeTo(m_reduceMotion, value))
+        Q_EMIT reduceMotionChanged();
 }
 
 void Settings::setModel(const QString& value)

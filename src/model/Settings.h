@@ -26,6 +26,7 @@ class Settings : public QObject {
     Q_PROPERTY(int exportHeight READ exportHeight WRITE setExportHeight NOTIFY exportHeightChanged)
     Q_PROPERTY(bool systemAudio READ systemAudio WRITE setSystemAudio NOTIFY systemAudioChanged)
     Q_PROPERTY(bool setupBlur READ setupBlur WRITE setSetupBlur NOTIFY setupBlurChanged)
+    Q_PROPERTY(bool reduceMotion READ reduceMotion WRITE setReduceMotion NOTIFY reduceMotionChanged)
     Q_PROPERTY(QString model READ model WRITE setModel NOTIFY modelChanged)
     Q_PROPERTY(QString tokensPath READ tokensPath WRITE setTokensPath NOTIFY tokensPathChanged)
     Q_PROPERTY(QString speechLocale READ speechLocale WRITE setSpeechLocale NOTIFY speechLocaleChanged)
@@ -59,6 +60,9 @@ public:
     /// The part of the screen that new recordings show; nothing for all of it.
     std::optional<CropRect> setupCrop() const { return m_setupCrop; }
 
+    /// The views move less, whatever the desktop asks for.
+    bool reduceMotion() const { return m_reduceMotion; }
+
     /// The AI model that is asked, and a file that may hold the key for it. Empty counts as the default.
     QString model() const { return m_model; }
     QString tokensPath() const { return m_tokensPath; }
@@ -78,6 +82,7 @@ public:
     void setSystemAudio(bool value);
     void setSetupBlur(bool value);
     void setSetupCrop(const std::optional<CropRect>& value);
+    void setReduceMotion(bool value);
     void setModel(const QString& value);
     void setTokensPath(const QString& value);
     void setSpeechLocale(const QString& value);
@@ -95,6 +100,7 @@ Q_SIGNALS:
     void systemAudioChanged();
     void setupBlurChanged();
     void setupCropChanged();
+    void reduceMotionChanged();
     void modelChanged();
     void tokensPathChanged();
     void speechLocaleChanged();
@@ -114,6 +120,7 @@ private:
     bool m_systemAudio;
     bool m_setupBlur;
     std::optional<CropRect> m_setupCrop;
+    bool m_reduceMotion;
     QString m_model;
     QString m_tokensPath;
     QString m_speechLocale;

@@ -21,6 +21,9 @@ public:
     /// Both outlive it.
     SourceNotices(AppModel& model, Recorder& recorder);
 
+    /// Something is wrong with the source.
+    bool has(CaptureSource source) const { return !m_sources.at(static_cast<std::size_t>(source)).trouble.isEmpty(); }
+
 private:
     struct Source {
         explicit Source(Notices& notices)

@@ -11,10 +11,10 @@ ApplicationWindow {
     /// Nothing is being recorded, so nobody minds the window.
     readonly property bool idle: model.phase.kind === Phase.Setup || model.phase.kind === Phase.Editing
 
-    width: 1200
-    height: 780
-    minimumWidth: 640
-    minimumHeight: 480
+    width: Math.min(1200, Screen.desktopAvailableWidth - Theme.space32)
+    height: Math.min(780, Screen.desktopAvailableHeight - 2 * Theme.space32)
+    minimumWidth: 960
+    minimumHeight: 560
     visible: idle
     title: qsTr("Vantry")
     color: Theme.canvas
@@ -53,6 +53,12 @@ ApplicationWindow {
         }
         wasShown = true;
         comeForward();
+    }
+
+    Binding {
+        target: Theme
+        property: "reducedMotion"
+        value: window.model.reducedMotion
     }
 
     Connections {

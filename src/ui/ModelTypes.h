@@ -3,8 +3,10 @@
 #include "model/AppModel.h"
 #include "model/CaptureDevices.h"
 #include "model/FieldBinding.h"
+#include "model/LayoutPlacement.h"
 #include "model/PreviewFlow.h"
 #include "model/QuitFlow.h"
+#include "model/Readiness.h"
 
 #include <QtQml/qqml.h>
 
@@ -52,6 +54,19 @@ struct QuitType {
     QML_FOREIGN(vantry::QuitFlow)
     QML_NAMED_ELEMENT(Quit)
     QML_UNCREATABLE("It belongs to the model.")
+};
+
+struct ReadinessType {
+    Q_GADGET
+    QML_FOREIGN(vantry::Readiness)
+    QML_NAMED_ELEMENT(Readiness)
+    QML_UNCREATABLE("It belongs to the model.")
+};
+
+struct LayoutPlacementType {
+    Q_GADGET
+    QML_FOREIGN(vantry::LayoutPlacement)
+    QML_NAMED_ELEMENT(LayoutPlacement)
 };
 
 struct FieldBindingType {

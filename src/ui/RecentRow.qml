@@ -8,25 +8,26 @@ KeyButton {
 
     required property string folder
 
+    /// The keyboard is here.
+    property bool ringed: false
+
     text: folder.split("/").pop()
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
-    padding: 10
-    horizontalPadding: 12
+    horizontalPadding: Theme.space12
     Accessible.name: qsTr("Open recording %1").arg(text)
 
     contentItem: IconLabel {
         alignment: Qt.AlignLeft
         text: row.text
-        spacing: 10
+        spacing: Theme.space8
         color: Theme.ink
         font.pixelSize: Theme.fontSize
-        icon { source: "qrc:/icons/film.svg"; color: Theme.inkSecondary; width: 16; height: 16 }
+        icon { source: "qrc:/icons/film.svg"; color: Theme.inkSecondary; width: Theme.icon; height: Theme.icon }
     }
 
     background: Rectangle {
         radius: Theme.radius
         color: row.down || row.hovered ? Theme.raised : Theme.panel
-
-        FocusRing { visible: row.visualFocus }
+        border { color: Theme.accentBlue; width: row.ringed ? 2 : 0 }
     }
 }

@@ -1,74 +1,97 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
-import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import Vantry
 
-/// Where a new recording starts, and earlier ones are opened again.
-ColumnLayout {
+/// Where a new recording is set up: its sources, how they are arranged in the video, and earlier recordings. What will be in the video
+/// is in the middle.
+FocusScope {
     id: screen
 
     required property AppModel model
 
-    spacing: Theme.space24
+    readonly property int sideWidth: width < Theme.wideWindow ? Theme.narrowSide : Theme.sideWidth
 
-    ArtButton {
-        Layout.alignment: Qt.AlignHCenter
-        Layout.topMargin: 72
-        implicitWidth: 132
-        implicitHeight: 132
-        art: "qrc:/art/record-button.svg"
-        text: qsTr("Record")
-        focus: true
-        onClicked: screen.model.record()
-    }
+    Keys.onReturnPressed: start.click()
+    Keys.onEnterPressed: start.click()
 
-    Label {
-        Layout.alignment: Qt.AlignHCenter
-        text: qsTr("Records after a countdown of three seconds.")
-        color: Theme.inkSecondary
-        font.pixelSize: Theme.fontSize
-    }
+    ColumnLayout {
+        anchors { fill: parent; margins: Theme.space24; bottomMargin: Theme.space32 }
+        spacing: Theme.space16
 
-    LayoutSegments {
-        Layout.alignment: Qt.AlignHCenter
-        value: screen.model.liveLayout
-        onChosen: value => screen.model.setLayout(value)
-    }
+        Text {
+            text: qsTr("Set up your recording")
+            color: Theme.ink
+            font { pixelSize: Theme.titleSize; weight: Font.DemiBold }
+            Accessible.role: Accessible.Heading
+            Accessible.name: text
+        }
 
-    Label {
-        Layout.topMargin: Theme.space24
-        Layout.alignment: Qt.AlignHCenter
-        Layout.preferredWidth: Theme.columnWidth
-        visible: list.count > 0
-        text: qsTr("Recent recordings")
-        color: Theme.ink
-        font { pixelSize: 15; weight: Font.DemiBold }
-    }
+        RowLayout {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            spacing: Theme.space24
 
-    ListView {
-        id: list
+            SourcesColumn {
+                Layout.fillWidth: false
+                Layout.preferredWidth: screen.sideWidth
+                Layout.alignment: Qt.AlignTop
+                model: screen.model
+            }
 
-        Layout.alignment: Qt.AlignHCenter
-        Layout.preferredWidth: Theme.columnWidth
-        Layout.fillHeight: true
-        Layout.bottomMargin: Theme.space24
-        clip: true
-        spacing: 6
-        boundsBehavior: Flickable.StopAtBounds
-        model: screen.model.recent
-        Accessible.role: Accessible.List
-        Accessible.name: qsTr("Recent recordings")
-        ScrollBar.vertical: ScrollBar { }
+            ColumnLayout {
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                spacing: Theme.space8
 
-        delegate: RecentRow {
-            required property string modelData
+                LayoutPreview {
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                    Layout.maximumHeight: wantedHeight
+                    model: screen.model
+                }
 
-            folder: modelData
-            width: ListView.view.width
-            onClicked: screen.model.open(folder)
-            onActiveFocusChanged: if (activeFocus) ListView.view.positionViewAtIndex(index, ListView.Contain)
+                RowLayout {
+                    Layout.fillWidth: true
+                    Layout.topMargin: Theme.space8
+                    spacing: Theme.space16
 
-            required property int index
+                    LayoutColumn { model: screen.model }
+
+                    Item { Layout.fillWidth: true }
+
+                    StartButton {
+                        id: start
+
+                        Layout.alignment: Qt.AlignBottom
+                        model: screen.model
+                        focus: true
+                    }
+                }
+
+                ReadinessLine {
+                    Layout.fillWidth: true
+                    readiness: screen.model.readiness
+                }
+
+                Item { Layout.fillHeight: true }
+            }
+
+            ColumnLayout {
+                Layout.fillWidth: false
+                Layout.preferredWidth: screen.sideWidth
+                Layout.fillHeight: true
+                spacing: Theme.space24
+
+                ShortcutsPanel { Layout.fillWidth: true }
+
+                RecentPanel {
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                    model: screen.model
+                }
+            }
         }
     }
 }

@@ -61,11 +61,12 @@ TEST_F(SettingsTest, storedValuesOfAnotherKindMeanTheDefaults)
 TEST_F(SettingsTest, theFileHasTheKnownKeysAndFormsAndACommaNeedsNoQuotes)
 {
     write("displayID=4294967295\ncameraID=cam\nmicID=mic\nlayout=screen\ncorner=topLeft\nbubble=0.5\nexportHeight=720\n"
-          "systemAudio=false\nblur=true\nmodel=a,b\ntokensPath=~/my,own/tokens\nspeechLocale=nb-NO\nspeechModel=small\n"
+          "systemAudio=false\nblur=true\nreduceMotion=true\nmodel=a,b\ntokensPath=~/my,own/"
+          "tokens\nspeechLocale=nb-NO\nspeechModel=small\n"
           "crop=\"{{0, 0.25}, {1, 0.75}}\"\n");
     EXPECT_EQ(valuesOf(Settings(m_file)),
         "displayID=4294967295\ncameraID=cam\nmicID=mic\nsetupBubble=0.5\nexportHeight=720\nsystemAudio=false\nsetupBlur=true\n"
-        "model=a,b\ntokensPath=~/my,own/tokens\nspeechLocale=nb-NO\nscreen topLeft small 0 0.25 1 0.75");
+        "reduceMotion=true\nmodel=a,b\ntokensPath=~/my,own/tokens\nspeechLocale=nb-NO\nscreen topLeft small 0 0.25 1 0.75");
 }
 
 TEST_F(SettingsTest, whatIsUsedInsteadOfAChoiceIsNoChoice)

@@ -7,7 +7,7 @@ Rectangle {
 
     required property string keys
 
-    implicitWidth: label.implicitWidth + 2 * Theme.space8
+    implicitWidth: label.implicitWidth + Theme.space12
     implicitHeight: label.implicitHeight + Theme.space8
     radius: Theme.radius5
     color: Theme.keycap

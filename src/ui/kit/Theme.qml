@@ -14,6 +14,7 @@ QtObject {
     readonly property color line: "#343d4d"
     readonly property color shade: "#90000000"
     readonly property color stage: "#0f0f14"
+    readonly property color ring: "#ffffff" ///< Around the bubble, as in the video.
 
     // What is written.
     readonly property color ink: "#f2f5fa"
@@ -76,6 +77,11 @@ QtObject {
     readonly property int radius10: 10
     readonly property int radius14: 14
 
+    readonly property int sideWidth: 272 ///< Of a column beside what matters.
+    readonly property int narrowSide: 244 ///< The same in a window that is not wide.
+    readonly property int wideWindow: 1200
+    readonly property int leastPreview: 180
+    readonly property int artSize: 120 ///< Of the record button.
     readonly property int columnWidth: 560 ///< Of a list.
     readonly property int icon: 16
     readonly property int panelIcon: 20
