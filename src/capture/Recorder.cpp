@@ -3,6 +3,7 @@
 #include "base/Background.h"
 #include "base/Log.h"
 
+#include <algorithm>
 #include <chrono>
 #include <unistd.h>
 
@@ -13,6 +14,7 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto longestFirstFrameWait = 3s;
+constexpr auto longestPast = 1s; ///< What a writer can still cut off.
 
 } // namespace
 
@@ -167,7 +169,7 @@ void Recorder::beginClip(const std::filesystem::path& file)
     });
 }
 
-QFuture<std::optional<double>> Recorder::endClip()
+QFuture<std::optional<double>> Recorder::endClip(HostTime end)
 {
     const auto promise = std::make_shared<QPromise<std::optional<double>>>();
     promise->start();
@@ -179,7 +181,8 @@ QFuture<std::optional<double>> Recorder::endClip()
         if (!m_writer)
             return complete(std::nullopt);
         m_finishing = std::move(m_writer);
-        m_clipEnd = HostClock::now();
+        const HostTime now = HostClock::now();
+        m_clipEnd = std::clamp(end, std::max(m_clipStart, now - longestPast), std::max(m_clipStart, now));
         m_finishing->finish(m_clipEnd, [this, complete](const ClipOutcome& outcome) {
             onFinished(outcome);
             complete(outcome.duration);

@@ -57,9 +57,9 @@ public:
     /// `settled`. Throws AppError when the file cannot be opened; what was recorded before goes on then.
     void beginClip(const std::filesystem::path& file);
 
-    /// Takes the writer away from the samples at once and finishes its file. The clip's length in seconds; nothing when there was
-    /// no clip or its file could not be completed.
-    QFuture<std::optional<double>> endClip();
+    /// Takes the writer away from the samples at once and finishes its file, which ends at `end`: now, or up to a second ago. The
+    /// clip's length in seconds; nothing when there was no clip or its file could not be completed.
+    QFuture<std::optional<double>> endClip(HostTime end = HostClock::now());
 
     /// Seconds since the clip's start, up to its end when that has come; 0 without a clip, and when its file is complete.
     double elapsed();

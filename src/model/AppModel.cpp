@@ -215,9 +215,9 @@ void AppModel::cancelStart()
     m_recording->cancelStart();
 }
 
-void AppModel::stop(double back)
+void AppModel::stop(double back, double age)
 {
-    m_recording->stop(back);
+    m_recording->stop(back, HostClock::now() - std::chrono::round<HostDuration>(std::chrono::duration<double>(std::max(age, 0.0))));
 }
 
 void AppModel::hotkey(std::uint32_t id)

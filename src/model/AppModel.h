@@ -76,6 +76,7 @@ class AppModel : public QObject {
     Q_PROPERTY(QString alert READ alertText WRITE setAlertText NOTIFY alertChanged)
     Q_PROPERTY(QString busy READ busyText NOTIFY busyChanged)
     Q_PROPERTY(QString status READ statusText NOTIFY statusChanged)
+    Q_PROPERTY(bool statusIsWarning READ statusIsWarning NOTIFY statusChanged)
     Q_PROPERTY(vantry::LayoutKind::Kind liveLayout READ liveLayoutKind NOTIFY liveLayoutChanged)
     Q_PROPERTY(vantry::CornerKind::Kind liveCorner READ liveCornerKind NOTIFY liveLayoutChanged)
     Q_PROPERTY(QVariant exportProgress READ exportProgressValue NOTIFY exportProgressChanged)
@@ -122,6 +123,7 @@ public:
 
     /// What goes on, or does not work, in the background: the notice that matters.
     std::optional<QString> status() const { return m_notices.shown(); }
+    bool statusIsWarning() const { return m_notices.isWarning(); }
 
     /// The layout at the end of the recording, or the one that the next recording starts with.
     LayoutEvent liveLayout() const;
@@ -196,8 +198,9 @@ public:
     Q_INVOKABLE void retakeLast(double seconds);
     Q_INVOKABLE void cancelStart();
 
-    /// Ends the clip and edits, with the playhead `back` seconds before the end.
-    Q_INVOKABLE void stop(double back);
+    /// Ends the clip and edits, with the playhead `back` seconds before the end. `age`: how many seconds ago the user asked for
+    /// that, which is where the clip ends.
+    Q_INVOKABLE void stop(double back, double age = 0);
 
     /// What a hot key asks for, by its id. Ids of no key do nothing.
     void hotkey(std::uint32_t id);

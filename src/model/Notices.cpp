@@ -4,12 +4,25 @@
 
 namespace vantry {
 
-std::optional<QString> Notices::shown() const
+/// Null where there is none.
+const Notice* Notices::newest() const
 {
     if (m_notices.empty())
-        return std::nullopt;
+        return nullptr;
     const auto warning = std::ranges::find(m_notices.rbegin(), m_notices.rend(), Notice::Weight::Warning, &Notice::m_weight);
-    return (warning == m_notices.rend() ? m_notices.back() : *warning)->m_text;
+    return warning == m_notices.rend() ? m_notices.back() : *warning;
+}
+
+std::optional<QString> Notices::shown() const
+{
+    const Notice* notice = newest();
+    return notice ? std::optional(notice->m_text) : std::nullopt;
+}
+
+bool Notices::isWarning() const
+{
+    const Notice* notice = newest();
+    return notice && notice->m_weight == Notice::Weight::Warning;
 }
 
 void Notice::set(Weight weight, const QString& text)

@@ -19,12 +19,17 @@ public:
     /// The one that matters: the newest warning, else the newest of the others. Nothing where there is none.
     std::optional<QString> shown() const;
 
+    /// The user should do something about it, or would not expect it.
+    bool isWarning() const;
+
 Q_SIGNALS:
     /// `shown` may have changed.
     void changed();
 
 private:
     friend class Notice;
+
+    const Notice* newest() const;
 
     std::vector<const Notice*> m_notices; ///< The newest last.
 };

@@ -96,11 +96,11 @@ void RecordingFlow::cancelStart()
     m_startCancelled = true;
 }
 
-void RecordingFlow::stop(double back)
+void RecordingFlow::stop(double back, HostTime asked)
 {
     if (m_model.phase() != Phase::recording())
         return;
-    launch(stopAndReview(back), [flow = QPointer(this)](const QString& description) {
+    launch(stopAndReview(back, asked), [flow = QPointer(this)](const QString& description) {
         if (flow)
             flow->report(description);
     });
@@ -267,7 +267,7 @@ std::string RecordingFlow::unusedClipName() const
     return name;
 }
 
-QCoro::Task<> RecordingFlow::finishClip()
+QCoro::Task<> RecordingFlow::finishClip(HostTime end)
 {
     const QPointer<RecordingFlow> self(this);
     while (self && m_model.phase() == Phase::saving())
@@ -276,7 +276,7 @@ QCoro::Task<> RecordingFlow::finishClip()
         co_return;
     m_model.setPhase(Phase::saving());
     m_clock.stop();
-    std::optional<double> duration = co_await endClip();
+    std::optional<double> duration = co_await endClip(end);
     if (self && !duration)
         duration = co_await completeClip();
     if (!self)
@@ -302,10 +302,10 @@ void RecordingFlow::rescueClip()
 }
 
 /// The clip's length; nothing when its file could not be completed.
-QCoro::Task<std::optional<double>> RecordingFlow::endClip()
+QCoro::Task<std::optional<double>> RecordingFlow::endClip(HostTime end)
 {
     try {
-        m_ending = m_recorder.endClip();
+        m_ending = m_recorder.endClip(end);
         tick();
         co_return co_await *m_ending;
     } catch (const std::exception& error) {
@@ -329,10 +329,10 @@ QCoro::Task<std::optional<double>> RecordingFlow::completeClip()
     co_return std::nullopt;
 }
 
-QCoro::Task<> RecordingFlow::stopAndReview(double back)
+QCoro::Task<> RecordingFlow::stopAndReview(double back, HostTime end)
 {
     const QPointer<RecordingFlow> self(this);
-    co_await finishClip();
+    co_await finishClip(end);
     if (!self)
         co_return;
     m_model.setPendingSeek(std::max(keptLength() - back, 0.0));

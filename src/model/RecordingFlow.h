@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/HostTime.h"
 #include "model/Phase.h"
 
 #include <QCoroTask>
@@ -33,14 +34,15 @@ public:
     /// Ends a countdown as soon as the capture that is being started has started or failed. Nothing is recorded or cut then.
     void cancelStart();
 
-    /// Ends the clip and edits, with the playhead `back` seconds before the end. Accepted while recording only.
-    void stop(double back);
+    /// Ends the clip where the user asked for it, a second ago at most, and edits, with the playhead `back` seconds before the end.
+    /// Accepted while recording only.
+    void stop(double back, HostTime asked = HostClock::now());
 
     /// What one key does in turn: starts a clip, cancels its countdown, ends the clip.
     void startOrStop();
 
     /// Ends the clip in progress and waits until it is part of the project, also when it is being ended already.
-    QCoro::Task<> finishClip();
+    QCoro::Task<> finishClip(HostTime end = HostClock::now());
 
     /// The same at once, for a process that ends: the calling thread waits, and nobody is told.
     void rescueClip();
@@ -52,8 +54,8 @@ private:
     QCoro::Task<Start> countDownAndBegin(std::optional<double> cutAt);
     QCoro::Task<> countDown();
     QCoro::Task<> startCapture();
-    QCoro::Task<> stopAndReview(double back);
-    QCoro::Task<std::optional<double>> endClip();
+    QCoro::Task<> stopAndReview(double back, HostTime end);
+    QCoro::Task<std::optional<double>> endClip(HostTime end);
     QCoro::Task<std::optional<double>> completeClip();
 
     QCoro::Task<bool> permissionsOK();

@@ -180,6 +180,19 @@ TEST_F(RecorderTest, aMicrophoneThatWasPulledOutHasATrackOnlyIfItComesBack)
     EXPECT_GT(test::loudness(std::span(samples).last(sampleRate / 20), 1, 0, 440), 0.1);
 }
 
+TEST_F(RecorderTest, aClipEndsWhereTheUserAskedForIt)
+{
+    start({}, "test-microphone");
+    recorder.beginClip(file);
+    ASSERT_TRUE(goOn(0.6));
+    const HostTime asked = HostClock::now();
+    const double length = recorder.elapsed();
+    ASSERT_TRUE(goOn(0.4));
+    EXPECT_NEAR(recorder.endClip(asked).result().value_or(0), length, 0.02);
+    EXPECT_NEAR(test::probeEnd(file, "v:0"), length, 0.03);
+    EXPECT_NEAR(test::probeEnd(file, "a:0"), length, 0.03);
+}
+
 TEST_F(RecorderTest, whereThereIsNoMediaServerTheScreenIsRecordedAlone)
 {
     test::MediaServer media;

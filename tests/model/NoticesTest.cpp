@@ -15,10 +15,12 @@ TEST(NoticesTest, theNewestWarningIsShownAndElseTheNewest)
     second.tell(u"kept"_s);
     first.tell(u"20%"_s);
     EXPECT_EQ(notices.shown(), u"kept"_s) << "progress that goes on is no news";
+    EXPECT_FALSE(notices.isWarning());
 
     first.warn(u"failed"_s);
     second.tell(u"done"_s);
     EXPECT_EQ(notices.shown(), u"failed"_s) << "a warning comes first";
+    EXPECT_TRUE(notices.isWarning());
     second.warn(u"gone"_s);
     first.warn(u"failed"_s);
     EXPECT_EQ(notices.shown(), u"gone"_s) << "nor are the same words";
