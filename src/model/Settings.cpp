@@ -71,6 +71,11 @@ bool boolean(const QVariant& stored, bool otherwise)
     return otherwise;
 }
 
+QString panelPlaceKey(std::uint32_t display)
+{
+    return u"panel/"_s + QString::number(display);
+}
+
 } // namespace
 
 std::filesystem::path Settings::defaultFile()
@@ -98,6 +103,7 @@ Settings::Settings(const std::filesystem::path& file)
     , m_tokensPath(wholeText(m_file.value("tokensPath", AI::defaultTokensPath)))
     , m_speechLocale(m_file.value("speechLocale", u"en-US"_s).toString())
     , m_speechModel(named(m_file.value("speechModel"), SpeechModelSize::base))
+    , m_panelFolded(boolean(m_file.value("panelFolded"), false))
 {
 }
 
@@ -223,6 +229,26 @@ void Settings::setSpeechModel(SpeechModelSize value)
     m_file.setValue("speechModel", nameText(value));
     if (changeTo(m_speechModel, value))
         Q_EMIT speechModelChanged();
+}
+
+void Settings::setPanelFolded(bool value)
+{
+    m_file.setValue("panelFolded", value);
+    if (changeTo(m_panelFolded, value))
+        Q_EMIT panelFoldedChanged();
+}
+
+std::optional<QPoint> Settings::panelPlace(std::uint32_t display) const
+{
+    const QStringList numbers = m_file.value(panelPlaceKey(display)).toString().split(u' ');
+    bool isX = false, isY = false;
+    const QPoint place(numbers.first().toInt(&isX), numbers.last().toInt(&isY));
+    return numbers.size() == 2 && isX && isY ? std::optional(place) : std::nullopt;
+}
+
+void Settings::setPanelPlace(std::uint32_t display, QPoint value)
+{
+    m_file.setValue(panelPlaceKey(display), QString::number(value.x()) + u' ' + QString::number(value.y()));
 }
 
 } // namespace vantry

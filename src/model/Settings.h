@@ -6,6 +6,7 @@
 #include "project/Project.h"
 #include "transcribe/SpeechModel.h"
 
+#include <QPoint>
 #include <QSettings>
 #include <QString>
 
@@ -29,6 +30,7 @@ class Settings : public QObject {
     Q_PROPERTY(bool reduceMotion READ reduceMotion WRITE setReduceMotion NOTIFY reduceMotionChanged)
     Q_PROPERTY(QString model READ model WRITE setModel NOTIFY modelChanged)
     Q_PROPERTY(QString tokensPath READ tokensPath WRITE setTokensPath NOTIFY tokensPathChanged)
+    Q_PROPERTY(bool panelFolded READ panelFolded WRITE setPanelFolded NOTIFY panelFoldedChanged)
     Q_PROPERTY(QString speechLocale READ speechLocale WRITE setSpeechLocale NOTIFY speechLocaleChanged)
 
 public:
@@ -70,6 +72,13 @@ public:
     QString speechLocale() const { return m_speechLocale; }
     SpeechModelSize speechModel() const { return m_speechModel; }
 
+    /// The panel that floats over the recording is as small as it can be.
+    bool panelFolded() const { return m_panelFolded; }
+
+    /// Where the user put that panel on a display: its upper right corner, from the upper left one of what docks and bars leave
+    /// free, in logical pixels. Nothing where it was never moved.
+    std::optional<QPoint> panelPlace(std::uint32_t display) const;
+
     void setDisplayID(std::uint32_t value);
     void setCameraID(const QString& value); ///< The user's choice.
     void setMicID(const QString& value); ///< The same.
@@ -87,6 +96,8 @@ public:
     void setTokensPath(const QString& value);
     void setSpeechLocale(const QString& value);
     void setSpeechModel(SpeechModelSize value);
+    void setPanelFolded(bool value);
+    void setPanelPlace(std::uint32_t display, QPoint value);
 
 Q_SIGNALS:
     void displayIDChanged();
@@ -105,6 +116,7 @@ Q_SIGNALS:
     void tokensPathChanged();
     void speechLocaleChanged();
     void speechModelChanged();
+    void panelFoldedChanged();
 
 private:
     QSettings m_file;
@@ -125,6 +137,7 @@ private:
     QString m_tokensPath;
     QString m_speechLocale;
     SpeechModelSize m_speechModel;
+    bool m_panelFolded;
 };
 
 } // namespace vantry

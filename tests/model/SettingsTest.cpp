@@ -61,12 +61,34 @@ TEST_F(SettingsTest, storedValuesOfAnotherKindMeanTheDefaults)
 TEST_F(SettingsTest, theFileHasTheKnownKeysAndFormsAndACommaNeedsNoQuotes)
 {
     write("displayID=4294967295\ncameraID=cam\nmicID=mic\nlayout=screen\ncorner=topLeft\nbubble=0.5\nexportHeight=720\n"
-          "systemAudio=false\nblur=true\nreduceMotion=true\nmodel=a,b\ntokensPath=~/my,own/"
-          "tokens\nspeechLocale=nb-NO\nspeechModel=small\n"
-          "crop=\"{{0, 0.25}, {1, 0.75}}\"\n");
+          "systemAudio=false
+blur=true
+reduceMotion=true
+model=a,b
+tokensPath=~/my,own/"
+          "tokens
+panelFolded=true
+speechLocale=nb-NO
+speechModel=small
+"
+          "crop=\"{{0, 0.25}, {1, 0.75}}\"
+");
     EXPECT_EQ(valuesOf(Settings(m_file)),
-        "displayID=4294967295\ncameraID=cam\nmicID=mic\nsetupBubble=0.5\nexportHeight=720\nsystemAudio=false\nsetupBlur=true\n"
-        "reduceMotion=true\nmodel=a,b\ntokensPath=~/my,own/tokens\nspeechLocale=nb-NO\nscreen topLeft small 0 0.25 1 0.75");
+        "displayID=4294967295
+cameraID=cam
+micID=mic
+setupBubble=0.5
+exportHeight=720
+systemAudio=false
+setupBlur=true
+"
+        "reduceMotion=true
+model=a,b
+tokensPath=~/my,own/tokens
+panelFolded=true
+speechLocale=nb-NO
+screen topLeft small 0 0.25 1 "
+        "0.75");
 }
 
 TEST_F(SettingsTest, whatIsUsedInsteadOfAChoiceIsNoChoice)
@@ -104,6 +126,7 @@ TEST_F(SettingsTest, everyAssignmentIsThereAfterARestart)
         settings.setTokensPath(QString());
         settings.setSpeechLocale(QStringLiteral("nb-NO"));
         settings.setSpeechModel(SpeechModelSize::small);
+        settings.setPanelFolded(true);
         assigned = valuesOf(settings);
         EXPECT_THAT(assigned, HasSubstr("tokensPath=\n")) << "empty, as it was left";
     }
@@ -112,6 +135,14 @@ TEST_F(SettingsTest, everyAssignmentIsThereAfterARestart)
     settings.setSetupCrop(std::nullopt);
     EXPECT_EQ(Settings(m_file).setupCrop(), std::nullopt);
     EXPECT_THAT(written(), HasSubstr("crop=")) << "cleared, not forgotten";
+}
+
+TEST_F(SettingsTest, rememberWhereThePanelWasOnEachDisplay)
+{
+    Settings(m_file).setPanelPlace(4'000'000'000, QPoint(-20, 7));
+    Settings settings(m_file);
+    EXPECT_EQ(settings.panelPlace(4'000'000'000), QPoint(-20, 7));
+    EXPECT_EQ(settings.panelPlace(1), std::nullopt);
 }
 
 } // namespace vantry
