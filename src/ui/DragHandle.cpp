@@ -1,5 +1,7 @@
 #include "ui/DragHandle.h"
 
+#include "ui/PanelPlaces.h"
+
 #include <QMouseEvent>
 #include <QQuickWindow>
 
@@ -14,12 +16,21 @@ DragHandle::DragHandle(QQuickItem* parent)
 void DragHandle::mousePressEvent(QMouseEvent* event)
 {
     m_grip = event->globalPosition() - window()->position();
+    m_hasMoved = false;
 }
 
 /// The position on the screen is the only one that the window's own moves do not change.
 void DragHandle::mouseMoveEvent(QMouseEvent* event)
 {
-    window()->setPosition((event->globalPosition() - m_grip).toPoint());
+    const QPoint place = (event->globalPosition() - m_grip).toPoint();
+    window()->setPosition(within(m_area, QRect(place, window()->size())).topLeft());
+    m_hasMoved = true;
+}
+
+void DragHandle::mouseReleaseEvent(QMouseEvent*)
+{
+    if (m_hasMoved)
+        Q_EMIT dropped(window()->position());
 }
 
 } // namespace vantry

@@ -1,6 +1,9 @@
 #include "ui/FloatingPanel.h"
 
+#include "ui/EventTime.h"
+
 #include <QGuiApplication>
+#include <QMouseEvent>
 #include <QRegion>
 #include <QResizeEvent>
 
@@ -25,6 +28,24 @@ void FloatingPanel::setCornerRadius(int radius)
     m_cornerRadius = radius;
     cutCorners();
     Q_EMIT cornerRadiusChanged();
+}
+
+bool FloatingPanel::event(QEvent* event)
+{
+    const bool isPress = event->type() == QEvent::MouseButtonPress;
+    if (isPress)
+        m_pressTime = hostTimeOf(static_cast<QMouseEvent*>(event)->timestamp(), HostClock::now());
+    const bool isTaken = QQuickWindow::event(event);
+    if (isPress)
+        Q_EMIT pressed();
+    if (event->type() == QEvent::MouseButtonRelease)
+        m_pressTime.reset();
+    return isTaken;
+}
+
+double FloatingPanel::pressAge() const
+{
+    return m_pressTime ? seconds(HostClock::now() - *m_pressTime) : 0;
 }
 
 void FloatingPanel::resizeEvent(QResizeEvent* event)

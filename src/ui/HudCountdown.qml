@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Layouts
 import Vantry
@@ -7,13 +9,16 @@ RowLayout {
     id: row
 
     required property AppModel model
+    required property HudTip tip
+    required property bool folded
 
     spacing: Theme.space12
 
     HudText { text: qsTr("Recording in %1").arg(row.model.phase.secondsLeft) }
 
     Row {
-        spacing: 6
+        visible: !row.folded
+        spacing: Theme.space8
 
         Repeater {
             model: 3
@@ -34,9 +39,19 @@ RowLayout {
     Item { Layout.fillWidth: true }
 
     StudioButton {
+        id: cancel
+
+        verticalPadding: row.folded ? 6 : Theme.space8
         text: qsTr("Cancel")
         icon.source: "qrc:/icons/x.svg"
-        help: qsTr("Don't record (%1) — nothing is recorded or cut").arg(Words.recordKeys)
+        Accessible.description: help.text
         onClicked: row.model.cancelStart()
+
+        HudHelp {
+            id: help
+
+            tip: row.tip
+            text: qsTr("Don't record (%1) — nothing is recorded or cut").arg(Words.recordKeys)
+        }
     }
 }

@@ -1,24 +1,41 @@
 import QtQuick
 import Vantry
 
-/// The controls that float over the screen while a clip is counted in, recorded and saved. The panel can be dragged by what is free of
-/// controls.
+/// The controls that float over the screen while a clip is counted in, recorded and saved; folded, a pill with what matters most. Both
+/// can be dragged by what is free of controls.
 FloatingPanel {
     id: panel
 
     required property AppModel model
-    required property bool shown
-    required property rect place
+    required property PanelPlan plan
+    required property HudTip tip
+    readonly property BackMenu backMenu: BackMenu {
+        model: panel.model
+        plan: panel.plan
+        host: panel
+    }
+    readonly property bool folded: model.settings.panelFolded
 
     title: qsTr("Vantry controls")
-    width: 760
-    height: 64
-    cornerRadius: 14
+    width: plan.hudPlace.width
+    height: plan.hudPlace.height
+    cornerRadius: folded ? height / 2 : Theme.radius14
+    visible: false
 
-    onShownChanged: {
-        if (shown)
-            setGeometry(place.x, place.y, place.width, place.height);
-        visible = shown;
+    Connections {
+        target: panel.plan
+
+        function onHudPlaceChanged() { panel.goToPlace(); }
+
+        function onHudShownChanged() {
+            panel.goToPlace();
+            panel.visible = panel.plan.hudShown;
+        }
+    }
+
+    function goToPlace() {
+        const place = plan.hudPlace;
+        setGeometry(place.x, place.y, place.width, place.height);
     }
 
     Rectangle {
@@ -28,20 +45,30 @@ FloatingPanel {
         border.color: Theme.line
     }
 
-    DragHandle { anchors.fill: parent }
+    DragHandle {
+        anchors.fill: parent
+        area: panel.plan.area
+        onDropped: place => panel.plan.keepHudPlace(place)
+    }
 
     Loader {
-        anchors { fill: parent; leftMargin: 18; rightMargin: 12 }
+        anchors { left: parent.left; right: fold.left; top: parent.top; bottom: parent.bottom }
+        anchors { leftMargin: panel.folded ? 14 : 18; rightMargin: 8 }
         sourceComponent: panel.contentOf(panel.model.phase.kind)
     }
 
-    // The main window, which says it otherwise, is hidden.
-    HudText {
-        anchors { left: parent.left; right: parent.right; bottom: parent.bottom; leftMargin: 18; rightMargin: 18; bottomMargin: 1 }
-        text: panel.model.status
-        color: Theme.amber
-        elide: Text.ElideRight
-        font.pixelSize: 10
+    IconButton {
+        id: fold
+
+        anchors { right: parent.right; rightMargin: panel.folded ? 6 : 12; verticalCenter: parent.verticalCenter }
+        icon.source: panel.folded ? "qrc:/icons/chevrons-left-right.svg" : "qrc:/icons/chevrons-right-left.svg"
+        name: panel.folded ? qsTr("Unfold the panel") : qsTr("Fold the panel")
+        onClicked: panel.model.settings.panelFolded = !panel.folded
+
+        HudHelp {
+            tip: panel.tip
+            text: fold.name
+        }
     }
 
     function contentOf(phase) {
@@ -49,7 +76,7 @@ FloatingPanel {
         case Phase.Countdown:
             return countdown;
         case Phase.Recording:
-            return recording;
+            return folded ? pill : recording;
         case Phase.Saving:
             return saving;
         default:
@@ -60,13 +87,31 @@ FloatingPanel {
     Component {
         id: countdown
 
-        HudCountdown { model: panel.model }
+        HudCountdown {
+            model: panel.model
+            tip: panel.tip
+            folded: panel.folded
+        }
     }
 
     Component {
         id: recording
 
-        HudRecording { model: panel.model }
+        HudRecording {
+            model: panel.model
+            host: panel
+            backMenu: panel.backMenu
+            tip: panel.tip
+        }
+    }
+
+    Component {
+        id: pill
+
+        HudPill {
+            model: panel.model
+            host: panel
+        }
     }
 
     Component {

@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Layouts
 import Vantry
@@ -7,7 +9,9 @@ RowLayout {
     id: row
 
     required property AppModel model
-    readonly property var corners: ["up-left", "up-right", "down-right", "down-left"]
+    required property FloatingPanel host
+    required property BackMenu backMenu
+    required property HudTip tip
 
     spacing: 10
 
@@ -31,21 +35,27 @@ RowLayout {
         onChosen: value => row.model.setLayout(value)
     }
 
-    IconButton {
-        icon.source: "qrc:/icons/arrow-" + row.corners[row.model.liveCorner] + ".svg"
-        name: qsTr("Move camera bubble to the next corner")
-        help: qsTr("Move the camera bubble (%1)").arg(Words.cornerKeys)
-        onClicked: row.model.nextCorner()
+    CornerButton {
+        model: row.model
+        tip: row.tip
     }
 
     Item { Layout.fillWidth: true }
 
-    BackButtons { model: row.model }
+    BackButton {
+        menu: row.backMenu
+        tip: row.tip
+    }
 
     StudioButton {
         kind: StudioButton.Kind.Record
         text: qsTr("Stop")
         icon.source: "qrc:/icons/square.svg"
-        onClicked: row.model.stop(0)
+        onClicked: row.model.stop(0, row.host.pressAge())
+
+        HudHelp {
+            tip: row.tip
+            text: qsTr("Stop and review (%1)").arg(Words.recordKeys)
+        }
     }
 }

@@ -4,9 +4,11 @@
 #include "model/CaptureDevices.h"
 #include "model/FieldBinding.h"
 #include "model/LayoutPlacement.h"
+#include "model/PressesElsewhere.h"
 #include "model/PreviewFlow.h"
 #include "model/QuitFlow.h"
 #include "model/Readiness.h"
+#include "model/RoomLeft.h"
 
 #include <QtQml/qqml.h>
 
@@ -74,6 +76,18 @@ struct FieldBindingType {
     QML_FOREIGN(vantry::FieldBinding)
     QML_NAMED_ELEMENT(FieldBinding)
     QML_UNCREATABLE("The model makes them.")
+};
+
+struct RoomLeftType {
+    Q_GADGET
+    QML_FOREIGN(vantry::RoomLeft)
+    QML_NAMED_ELEMENT(RoomLeft)
+};
+
+struct PressesElsewhereType {
+    Q_GADGET
+    QML_FOREIGN(vantry::PressesElsewhere)
+    QML_NAMED_ELEMENT(PressesElsewhere)
 };
 
 namespace PhaseType {

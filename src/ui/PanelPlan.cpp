@@ -1,7 +1,6 @@
 #include "ui/PanelPlan.h"
 
 #include "model/ChangeTo.h"
-#include "ui/PanelPlaces.h"
 
 #include <QGuiApplication>
 #include <QScreen>
@@ -35,6 +34,7 @@ void PanelPlan::setModel(AppModel* model)
         return;
     connect(model, &AppModel::phaseChanged, this, &PanelPlan::update);
     connect(model, &AppModel::liveLayoutChanged, this, &PanelPlan::updateBubble);
+    connect(model->settings(), &Settings::panelFoldedChanged, this, &PanelPlan::updateHudPlace);
     // The camera may come and go meanwhile.
     connect(model, &AppModel::liveTimeChanged, this, &PanelPlan::updateBubble);
     Q_EMIT modelChanged();
@@ -45,13 +45,28 @@ void PanelPlan::update()
 {
     const QScreen* screen = isUnderWay(m_model->phase()) ? screenOf(*m_model) : nullptr;
     if (screen && !m_hudShown) {
+        const auto display = m_model->screen();
+        m_display = display ? display->id : 0;
         m_screen = screen->geometry();
-        m_hudPlace = vantry::hudPlace(screen->availableGeometry());
-        Q_EMIT hudPlaceChanged();
+        m_area = screen->availableGeometry();
+        updateHudPlace();
     }
     if (changeTo(m_hudShown, screen != nullptr))
         Q_EMIT hudShownChanged();
     updateBubble();
+}
+
+void PanelPlan::updateHudPlace()
+{
+    const Settings& settings = *m_model->settings();
+    m_hudPlace = vantry::hudPlace(m_area, hudSize(m_area, settings.panelFolded()), settings.panelPlace(m_display));
+    Q_EMIT hudPlaceChanged();
+}
+
+void PanelPlan::keepHudPlace(QPoint place)
+{
+    m_model->settings()->setPanelPlace(m_display, hudCorner(m_area, QRect(place, m_hudPlace.size())));
+    updateHudPlace();
 }
 
 void PanelPlan::updateBubble()

@@ -9,10 +9,19 @@ QtObject {
 
     readonly property PanelPlan plan: PanelPlan { model: panels.model }
 
+    readonly property HudTip tip: HudTip { plan: panels.plan }
+
     readonly property HudPanel hud: HudPanel {
         model: panels.model
-        shown: panels.plan.hudShown
-        place: panels.plan.hudPlace
+        plan: panels.plan
+        tip: panels.tip
+    }
+
+    readonly property NoticeStrip notices: NoticeStrip {
+        model: panels.model
+        plan: panels.plan
+        panel: panels.hud
+        tip: panels.tip
     }
 
     readonly property BubblePanel bubble: BubblePanel {

@@ -16,6 +16,7 @@ namespace {
 
 constexpr std::uint32_t green = 0x2E7D32, hudColour = 0x181C24;
 constexpr PixelRect hud{ 260, 12, 760, 64 };
+constexpr int backButton = 575, stopButton = 665, foldButton = 732; ///< From the panel's left edge.
 
 /// The panels above another program that fills the screen.
 class PanelsTest : public test::WindowTest {
@@ -73,6 +74,22 @@ protected:
     static void click(int x)
     {
         runCommand("xdotool mousemove " + std::to_string(hud.x + x) + " " + std::to_string(hud.y + hud.height / 2) + " click 1");
+    }
+
+    /// Whether the other program hears of a press of the mouse soon.
+    bool otherIsPressed()
+    {
+        return holdsSoon([this] {
+            const auto event = m_desktop.connection().nextEvent();
+            return event && (event->response_type & 0x7F) == XCB_BUTTON_PRESS;
+        });
+    }
+
+    void listenToPresses(xcb_window_t window) const
+    {
+        const std::uint32_t mask = XCB_EVENT_MASK_BUTTON_PRESS;
+        xcb_change_window_attributes(m_desktop.connection(), window, XCB_CW_EVENT_MASK, &mask);
+        xcb_flush(m_desktop.connection());
     }
 
     void startRecording()
@@ -133,7 +150,7 @@ TEST_F(PanelsTest, floatAboveFullScreenWindowsAndLeaveThemTheKeyboard)
     EXPECT_TRUE(holdsSoon([&] { return !project().layouts.empty() && project().layouts.back().layout == Layout::screen; }));
     EXPECT_EQ(focused(), later);
 
-    click(hud.width - 50);
+    click(stopButton);
     EXPECT_TRUE(holdsSoon([&] { return project().clips.size() == 1; }));
     EXPECT_TRUE(holdsSoon([&] { return isSeen("^Vantry$") && !isSeen("Vantry controls"); }));
     EXPECT_TRUE(holdsSoon([&] { return focused() != later; })) << "the window came back to be used";
@@ -157,33 +174,73 @@ TEST_F(PanelsTest, areNotShownForWhatCannotBeRecordedAndTheWindowSaysWhy)
     }
 }
 
-TEST_F(PanelsTest, areDraggedByTheirBackground)
+TEST_F(PanelsTest, areDraggedByTheirBackgroundAndFoldedAndRememberIt)
 {
     startRecording();
-    runCommand("xdotool mousemove 730 44 mousedown 1 mousemove 760 74 mousemove 830 244 mouseup 1");
-    EXPECT_TRUE(holdsSoon([&] { return placeOf("Vantry controls") == PixelRect{ 360, 212, 760, 64 }; }));
-    // The next time it is back in its place.
+    runCommand("xdotool mousemove 730 44 mousedown 1 mousemove 760 74 mousemove 630 244 mouseup 1");
+    const PixelRect dragged{ 160, 212, 760, 64 };
+    EXPECT_TRUE(holdsSoon([&] { return placeOf("Vantry controls") == dragged; }));
+    runCommand("xdotool mousemove 890 244 click 1");
+    const PixelRect pill{ 160 + 760 - 284, 212, 284, 44 };
+    EXPECT_TRUE(holdsSoon([&] { return placeOf("Vantry controls") == pill; })) << "the right edge stays";
     runCommand("xdotool key ctrl+alt+r");
-    ASSERT_TRUE(holdsSoon([&] { return !isSeen("Vantry controls"); }));
-    runCommand("xdotool key ctrl+alt+r");
-    EXPECT_TRUE(holdsSoon([&] { return placeOf("Vantry controls") == hud; }));
-    click(hud.width - 60);
-    EXPECT_TRUE(holdsSoon([&] { return isSeen("^Vantry$"); })) << "cancelled";
-    EXPECT_EQ(project().clips.size(), 1);
+    ASSERT_TRUE(holdsSoon([&] { return !isSeen("Vantry controls") && isSeen("^Vantry$"); }));
+
+    m_program->end();
+    start();
+    startRecording();
+    EXPECT_EQ(placeOf("Vantry controls"), pill);
+    // Unfolded it stays on the screen.
+    runCommand("xdotool mousemove 660 234 mousedown 1 mousemove 600 234 mousemove -- -90 800 mouseup 1");
+    EXPECT_TRUE(holdsSoon([&] { return placeOf("Vantry controls") == PixelRect{ 0, 676, 284, 44 }; }));
+    runCommand("xdotool mousemove 262 698 click 1");
+    EXPECT_TRUE(holdsSoon([&] { return placeOf("Vantry controls") == PixelRect{ 0, 656, 760, 64 }; }));
+}
+
+TEST_F(PanelsTest, theWaysBackCloseWithAClickElsewhereWhichCountsThere)
+{
+    startRecording();
+    listenToPresses(m_desktop.open({ .place = { 50, 550, 100, 100 } }));
+    focus(m_other);
+    click(backButton);
+    ASSERT_TRUE(holdsSoon([&] { return isSeen("Vantry back"); }));
+    EXPECT_EQ(focused(), m_other);
+    runCommand("xdotool mousemove 100 600 sleep 0.2 click 1");
+    EXPECT_TRUE(otherIsPressed());
+    EXPECT_TRUE(holdsSoon([&] { return !isSeen("Vantry back"); }));
+    EXPECT_EQ(project().clips.size(), 0);
+
+    click(backButton);
+    ASSERT_TRUE(holdsSoon([&] { return isSeen("Vantry back"); }));
+    click(backButton);
+    EXPECT_TRUE(holdsSoon([&] { return !isSeen("Vantry back"); }));
+
+    click(backButton);
+    ASSERT_TRUE(holdsSoon([&] { return isSeen("Vantry back"); }));
+    const PixelRect menu = placeOf("Vantry back");
+    runCommand("xdotool mousemove " + std::to_string(menu.x + 40) + " " + std::to_string(menu.y + 20) + " click 1");
+    EXPECT_TRUE(holdsSoon([&] { return project().clips.size() == 1; }));
+    EXPECT_TRUE(holdsSoon([&] { return !isSeen("Vantry back") && isSeen("^Vantry$"); }));
 }
 
 TEST_F(PanelsTest, areNoPartOfTheRecording)
 {
     startRecording();
     ASSERT_TRUE(holdsSoon([&] { return hudIsOnTop(); }));
+    EXPECT_TRUE(isSeen("Vantry notices")) << "there is no media server";
+    click(backButton);
+    ASSERT_TRUE(holdsSoon([&] { return isSeen("Vantry back"); }));
     // Something changes, or the clip would have one picture only.
     m_desktop.fill(m_other, { 0, 600, 50, 50 }, 0xFFFFFF);
     runCommand("xdotool mousemove 730 700 sleep 0.5 key ctrl+alt+r");
     ASSERT_TRUE(holdsSoon([&] { return project().clips.size() == 1; }));
     const std::string luma =
-        runCommand("ffmpeg -v error -i '" + fileWith(".mov").string() + "' -vf crop=764:68:258:10 -f rawvideo -pix_fmt gray -");
-    EXPECT_GE(luma.size(), 2 * 764 * 68);
-    const auto [darkest, lightest] = std::ranges::minmax(luma, {}, [](char value) { return static_cast<unsigned char>(value); });
+        runCommand("ffmpeg -v error -i '" + fileWith(".mov").string() + "' -vf crop=764:240:258:10 -f rawvideo -pix_fmt gray -");
+    constexpr std::size_t area = 764 * 240;
+    ASSERT_GE(luma.size(), 2 * area);
+    // The pointer was there before.
+    const auto seen = std::string_view(luma).substr(luma.size() - area);
+    const auto [darkest, lightest] = std::ranges::minmax(seen, {}, [](char value) { return static_cast<unsigned char>(value); });
     EXPECT_NEAR(static_cast<unsigned char>(darkest), 0.2126 * 0x2E + 0.7152 * 0x7D + 0.0722 * 0x32, 8);
     EXPECT_NEAR(static_cast<unsigned char>(lightest), static_cast<unsigned char>(darkest), 6);
 }
