@@ -28,5 +28,6 @@ FloatingPanel {
     CameraPreview {
         anchors { fill: parent; margins: panel.edge }
         mirror: panel.mirror
+        interval: 65 // Every other picture: it is a mirror, and painting takes from the recording.
     }
 }

@@ -32,15 +32,26 @@ CameraImage::CameraImage(QQuickItem* parent)
     : QQuickItem(parent)
 {
     setFlag(ItemHasContents);
+    m_next.setSingleShot(true);
+    connect(&m_next, &QTimer::timeout, this, &QQuickItem::polish);
 }
 
 void CameraImage::setMirror(CameraMirror* mirror)
 {
     if (!changeTo(m_mirror, mirror))
         return;
-    connect(m_mirror, &CameraMirror::changed, this, &QQuickItem::polish);
+    connect(m_mirror, &CameraMirror::changed, this, &CameraImage::onPicture);
     polish();
     Q_EMIT mirrorChanged();
+}
+
+void CameraImage::onPicture()
+{
+    const auto left = m_shown + std::chrono::milliseconds(m_interval) - HostClock::now();
+    if (left <= HostDuration::zero())
+        polish();
+    else if (!m_next.isActive())
+        m_next.start(std::chrono::ceil<std::chrono::milliseconds>(left));
 }
 
 void CameraImage::geometryChange(const QRectF& now, const QRectF& before)
@@ -53,6 +64,7 @@ void CameraImage::updatePolish()
 {
     if (!m_mirror || !window())
         return;
+    m_shown = HostClock::now();
     const bool wasLive = isLive();
     const double scale = window()->effectiveDevicePixelRatio();
     m_image =

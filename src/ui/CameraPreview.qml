@@ -7,6 +7,7 @@ Rectangle {
     id: frame
 
     required property CameraMirror mirror
+    property alias interval: image.interval
 
     radius: width / 2
     gradient: Gradient {
