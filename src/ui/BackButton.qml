@@ -9,10 +9,12 @@ StudioButton {
 
     required property BackMenu menu
     required property HudTip tip
+    required property bool narrow
     property bool wasOpen: false
 
-    text: qsTr("Back")
+    text: narrow ? "" : Accessible.name
     icon.source: "qrc:/icons/rotate-ccw.svg"
+    Accessible.name: qsTr("Back")
     Accessible.role: Accessible.ButtonMenu
     Accessible.description: help.text
 

@@ -13,6 +13,9 @@ RowLayout {
     required property BackMenu backMenu
     required property HudTip tip
 
+    /// On a screen without room for the words of the buttons.
+    readonly property bool narrow: host.width < 700
+
     spacing: 10
 
     RecordingLight { seconds: row.model.liveTime }
@@ -45,11 +48,13 @@ RowLayout {
     BackButton {
         menu: row.backMenu
         tip: row.tip
+        narrow: row.narrow
     }
 
     StudioButton {
         kind: StudioButton.Kind.Record
-        text: qsTr("Stop")
+        text: row.narrow ? "" : Accessible.name
+        Accessible.name: qsTr("Stop")
         icon.source: "qrc:/icons/square.svg"
         onClicked: row.model.stop(0, row.host.pressAge())
 
