@@ -69,11 +69,12 @@ private:
 
 } // namespace
 
-ScreenReader::ScreenReader(const Display& display, std::vector<pid_t> leftOut)
+ScreenReader::ScreenReader(const Display& display, std::vector<pid_t> leftOut, Cursor cursor)
     : m_compositor(withExtensions(m_connection).atom("_NET_WM_CM_S0"))
     , m_fixesEvents(m_connection.firstEvent(xcb_xfixes_id))
     , m_randrEvents(m_connection.firstEvent(xcb_randr_id))
     , m_display(display)
+    , m_cursorWanted(cursor)
     , m_bounds(evenBounds(display))
     , m_changed(m_bounds.width, m_bounds.height)
     , m_windows(m_connection, WindowOwners(m_connection, std::move(leftOut)))
@@ -243,7 +244,7 @@ void ScreenReader::collectDamage()
 void ScreenReader::collectCursor()
 {
     const auto before = m_cursor.area();
-    if (!m_cursor.update())
+    if (!m_cursor.update() || m_cursorWanted == Cursor::LeftOut)
         return;
     change(before);
     change(m_cursor.area());
@@ -271,7 +272,8 @@ ScreenReader::Reading ScreenReader::take(const std::vector<PixelRect>& areas)
             return {}; // The desktop became smaller; the events will tell.
         for (const auto& hole : m_leftOut.within(block.area))
             m_uncovering.repaint(block, hole, m_windows.windows(), *m_background, m_composition);
-        m_cursor.draw(block);
+        if (m_cursorWanted == Cursor::Drawn)
+            m_cursor.draw(block);
     }
     for (auto& block : reading.blocks)
         block.area = block.area.moved(-m_bounds.x, -m_bounds.y);

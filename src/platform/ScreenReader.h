@@ -18,12 +18,15 @@
 
 namespace vantry {
 
-/// Reads the pixels of one display, and only those that may have changed since they were last read: with the cursor drawn in and
-/// without the windows of the processes that are left out. Belongs to one thread.
+/// Whether the mouse pointer is in a picture.
+enum class Cursor { Drawn, LeftOut };
+
+/// Reads the pixels of one display, and only those that may have changed since they were last read: with the cursor drawn in, if it
+/// is wanted, and without the windows of the processes that are left out. Belongs to one thread.
 class ScreenReader {
 public:
     /// Throws AppError when the display cannot be read.
-    ScreenReader(const Display&, std::vector<pid_t> leftOut);
+    ScreenReader(const Display&, std::vector<pid_t> leftOut, Cursor cursor = Cursor::Drawn);
     ~ScreenReader();
 
     /// In pixels: the display's size, rounded down to even numbers.
@@ -59,6 +62,7 @@ private:
     const int m_fixesEvents;
     const int m_randrEvents;
     const Display m_display;
+    const Cursor m_cursorWanted;
     PixelRect m_bounds; ///< What is read, on the desktop.
     ChangedTiles m_changed;
     WindowStack m_windows;
