@@ -14,4 +14,9 @@ inline constexpr auto cornerKeys = "Ctrl+Alt+C";
 // Keys of the window.
 inline constexpr auto startKey = "Enter";
 
+// What has to be allowed.
+inline constexpr auto allowLooking =
+    "Allow Vantry to look at other windows' contents, then click again. It is used only to find where "
+    "the page starts.";
+
 } // namespace vantry::words
