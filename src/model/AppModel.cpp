@@ -4,6 +4,7 @@
 #include "capture/HotKeys.h"
 #include "capture/Recorder.h"
 #include "media/MovieSalvage.h"
+#include "model/BrowserPageSearch.h"
 #include "model/CaptureDevices.h"
 #include "model/ChangeTo.h"
 #include "model/Coroutines.h"
@@ -18,8 +19,10 @@
 #include "model/ProjectSaver.h"
 #include "model/QuitFlow.h"
 #include "model/Readiness.h"
+#include "model/RecentAreas.h"
 #include "model/RecordingFlow.h"
 #include "model/SalvageFlow.h"
+#include "model/ScreenPreview.h"
 #include "model/TranscriptionFlow.h"
 #include "model/VideoFiles.h"
 #include "model/YouTubeFlow.h"
@@ -62,6 +65,9 @@ AppModel::AppModel(Options options)
     , m_youTube(std::make_unique<YouTubeFlow>(*this, *m_ai, m_aiNotice, [this] { return transcribeAll(); }))
     , m_quit(std::make_unique<QuitFlow>(*this, *m_saver, *m_salvage))
     , m_readiness(std::make_unique<Readiness>(*this))
+    , m_screenPreview(std::make_unique<ScreenPreview>())
+    , m_browserPage(std::make_unique<BrowserPageSearch>([this] { return screen(); }))
+    , m_recentAreas(std::make_unique<RecentAreas>(m_settings, [this] { return screen(); }))
 {
     connect(m_saver.get(), &ProjectSaver::failed, this,
         [this](const QString& description) { setAlert("Could not save the project: "_L1 + description); });
@@ -361,6 +367,16 @@ std::optional<Display> AppModel::screen() const
 bool AppModel::reducedMotion() const
 {
     return m_settings.reduceMotion() || m_motion->isReduced();
+}
+
+double AppModel::menuBarFraction() const
+{
+    return vantry::menuBarFraction(screen());
+}
+
+void AppModel::captureScreenPreview()
+{
+    launch(m_screenPreview->capture(screen()), [](const QString&) {});
 }
 
 bool AppModel::hasCamera() const

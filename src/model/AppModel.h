@@ -30,6 +30,7 @@
 
 namespace vantry {
 
+class BrowserPageSearch;
 class CaptureDevices;
 class EditingCommands;
 class ExportFlow;
@@ -41,9 +42,11 @@ class PreviewFlow;
 class ProjectSaver;
 class QuitFlow;
 class Readiness;
+class RecentAreas;
 class Recorder;
 class RecordingFlow;
 class SalvageFlow;
+class ScreenPreview;
 class TranscriptionFlow;
 class YouTubeFlow;
 
@@ -61,11 +64,14 @@ enum class Transcribe { ByItself, OnRequest };
 /// through `edit`. Belongs to the main thread; a write of the value that is already held notifies nobody.
 class AppModel : public QObject {
     Q_OBJECT
+    Q_MOC_INCLUDE("model/BrowserPageSearch.h")
     Q_MOC_INCLUDE("model/CaptureDevices.h")
     Q_MOC_INCLUDE("model/FieldBinding.h")
     Q_MOC_INCLUDE("model/PreviewFlow.h")
     Q_MOC_INCLUDE("model/QuitFlow.h")
     Q_MOC_INCLUDE("model/Readiness.h")
+    Q_MOC_INCLUDE("model/RecentAreas.h")
+    Q_MOC_INCLUDE("model/ScreenPreview.h")
     Q_PROPERTY(vantry::Phase phase READ phase NOTIFY phaseChanged)
     Q_PROPERTY(QString folder READ folderText NOTIFY folderChanged)
     Q_PROPERTY(QString projectName READ projectName NOTIFY projectChanged)
@@ -87,6 +93,9 @@ class AppModel : public QObject {
     Q_PROPERTY(vantry::PreviewFlow* preview READ preview CONSTANT)
     Q_PROPERTY(vantry::QuitFlow* quitting READ quitting CONSTANT)
     Q_PROPERTY(vantry::Readiness* readiness READ readiness CONSTANT)
+    Q_PROPERTY(vantry::ScreenPreview* screenPreview READ screenPreview CONSTANT)
+    Q_PROPERTY(vantry::BrowserPageSearch* browserPage READ browserPage CONSTANT)
+    Q_PROPERTY(vantry::RecentAreas* recentAreas READ recentAreas CONSTANT)
 
 public:
     struct Options {
@@ -151,6 +160,9 @@ public:
     PreviewFlow* preview() { return m_preview.get(); }
     QuitFlow* quitting() { return m_quit.get(); }
     Readiness* readiness() { return m_readiness.get(); }
+    ScreenPreview* screenPreview() { return m_screenPreview.get(); }
+    BrowserPageSearch* browserPage() { return m_browserPage.get(); }
+    RecentAreas* recentAreas() { return m_recentAreas.get(); }
     Recorder& recorder() { return *m_recorder; }
     RecordingFlow& recording() { return *m_recording; }
     ExportFlow& exporting() { return *m_export; }
@@ -185,6 +197,14 @@ public:
 
     /// Says whether everything is on the disk, when it is or cannot be.
     QFuture<bool> saved();
+
+    // Choosing what is recorded.
+
+    /// What the panel at the top of the screen takes of its height; 0.03 where there is no screen.
+    double menuBarFraction() const;
+
+    /// Refreshes `screenPreview`. What goes wrong leaves the picture before.
+    Q_INVOKABLE void captureScreenPreview();
 
     // Recording.
     Q_INVOKABLE void newRecording();
@@ -357,6 +377,9 @@ private:
     std::unique_ptr<YouTubeFlow> m_youTube;
     std::unique_ptr<QuitFlow> m_quit;
     std::unique_ptr<Readiness> m_readiness;
+    std::unique_ptr<ScreenPreview> m_screenPreview;
+    std::unique_ptr<BrowserPageSearch> m_browserPage;
+    std::unique_ptr<RecentAreas> m_recentAreas;
     Tidying m_tidying;
 };
 

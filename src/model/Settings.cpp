@@ -4,6 +4,7 @@
 #include "model/ChangeTo.h"
 #include "model/CropText.h"
 #include "model/Paths.h"
+#include "model/ScreenAreas.h"
 #include "project/EnumNames.h"
 #include "render/Exporter.h"
 
@@ -74,6 +75,11 @@ bool boolean(const QVariant& stored, bool otherwise)
 QString panelPlaceKey(std::uint32_t display)
 {
     return u"panel/"_s + QString::number(display);
+}
+
+QString areasKey(std::uint32_t displayID)
+{
+    return u"areas-%1"_s.arg(displayID);
 }
 
 } // namespace
@@ -201,6 +207,38 @@ void Settings::setReduceMotion(bool value)
     m_file.setValue("reduceMotion", value);
     if (changeTo(m_reduceMotion, value))
         Q_EMIT reduceMotionChanged();
+}
+
+QVariant Settings::setupCropValue() const
+{
+    return cropValue(m_setupCrop);
+}
+
+void Settings::setSetupCropValue(const QVariant& value)
+{
+    setSetupCrop(cropOf(value));
+}
+
+std::vector<ChosenArea> Settings::chosenAreas(std::uint32_t displayID) const
+{
+    std::vector<ChosenArea> areas;
+    for (const QString& text : m_file.value(areasKey(displayID)).toStringList()) {
+        // "1920x1080 {{x, y}, {width, height}}"
+        const QStringList size = text.section(u' ', 0, 0).split(u'x');
+        const auto crop = parseCrop(text.section(u' ', 1));
+        const QSize screen(size.value(0).toInt(), size.value(1).toInt());
+        if (crop && !screen.isEmpty())
+            areas.push_back({ *crop, screen });
+    }
+    return areas;
+}
+
+void Settings::setChosenAreas(std::uint32_t displayID, const std::vector<ChosenArea>& areas)
+{
+    QStringList texts;
+    for (const auto& [crop, screen] : areas)
+        texts.append(u"%1x%2 "_s.arg(screen.width()).arg(screen.height()) + cropText(crop));
+    m_file.setValue(areasKey(displayID), texts);
 }
 
 void Settings::setModel(const QString& value)

@@ -8,13 +8,24 @@
 
 #include <QPoint>
 #include <QSettings>
+#include <QSize>
 #include <QString>
+#include <QVariant>
 
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <vector>
 
 namespace vantry {
+
+/// A part of a screen as it was chosen, with the size that the screen had then.
+struct ChosenArea {
+    CropRect crop;
+    QSize screen;
+
+    bool operator==(const ChosenArea&) const = default;
+};
 
 /// What the user chose for recordings and exports to come, kept in one INI file. Read once when it is made, written back under the
 /// same key on every assignment. Belongs to the main thread. A file that cannot be read or written costs the choices, nothing else.
@@ -28,6 +39,7 @@ class Settings : public QObject {
     Q_PROPERTY(bool systemAudio READ systemAudio WRITE setSystemAudio NOTIFY systemAudioChanged)
     Q_PROPERTY(bool setupBlur READ setupBlur WRITE setSetupBlur NOTIFY setupBlurChanged)
     Q_PROPERTY(bool reduceMotion READ reduceMotion WRITE setReduceMotion NOTIFY reduceMotionChanged)
+    Q_PROPERTY(QVariant setupCrop READ setupCropValue WRITE setSetupCropValue NOTIFY setupCropChanged)
     Q_PROPERTY(QString model READ model WRITE setModel NOTIFY modelChanged)
     Q_PROPERTY(QString tokensPath READ tokensPath WRITE setTokensPath NOTIFY tokensPathChanged)
     Q_PROPERTY(bool panelFolded READ panelFolded WRITE setPanelFolded NOTIFY panelFoldedChanged)
@@ -64,6 +76,8 @@ public:
 
     /// The views move less, whatever the desktop asks for.
     bool reduceMotion() const { return m_reduceMotion; }
+    /// The areas of a display that were chosen last, the newest first.
+    std::vector<ChosenArea> chosenAreas(std::uint32_t displayID) const;
 
     /// The AI model that is asked, and a file that may hold the key for it. Empty counts as the default.
     QString model() const { return m_model; }
@@ -92,6 +106,7 @@ public:
     void setSetupBlur(bool value);
     void setSetupCrop(const std::optional<CropRect>& value);
     void setReduceMotion(bool value);
+    void setChosenAreas(std::uint32_t displayID, const std::vector<ChosenArea>& areas);
     void setModel(const QString& value);
     void setTokensPath(const QString& value);
     void setSpeechLocale(const QString& value);
@@ -119,6 +134,9 @@ Q_SIGNALS:
     void panelFoldedChanged();
 
 private:
+    QVariant setupCropValue() const;
+    void setSetupCropValue(const QVariant& value);
+
     QSettings m_file;
     std::uint32_t m_displayID;
     QString m_cameraID;
