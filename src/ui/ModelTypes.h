@@ -1,6 +1,8 @@
 #pragma once
 
 #include "model/AppModel.h"
+#include "model/AreaSelection.h"
+#include "model/BrowserPageSearch.h"
 #include "model/CaptureDevices.h"
 #include "model/FieldBinding.h"
 #include "model/LayoutPlacement.h"
@@ -9,6 +11,8 @@
 #include "model/QuitFlow.h"
 #include "model/Readiness.h"
 #include "model/RoomLeft.h"
+#include "model/RecentAreas.h"
+#include "model/ScreenPreview.h"
 
 #include <QtQml/qqml.h>
 
@@ -69,6 +73,33 @@ struct LayoutPlacementType {
     Q_GADGET
     QML_FOREIGN(vantry::LayoutPlacement)
     QML_NAMED_ELEMENT(LayoutPlacement)
+};
+
+struct ScreenPreviewType {
+    Q_GADGET
+    QML_FOREIGN(vantry::ScreenPreview)
+    QML_NAMED_ELEMENT(ScreenPreview)
+    QML_UNCREATABLE("It belongs to the model.")
+};
+
+struct BrowserPageSearchType {
+    Q_GADGET
+    QML_FOREIGN(vantry::BrowserPageSearch)
+    QML_NAMED_ELEMENT(BrowserPageSearch)
+    QML_UNCREATABLE("It belongs to the model.")
+};
+
+struct RecentAreasType {
+    Q_GADGET
+    QML_FOREIGN(vantry::RecentAreas)
+    QML_NAMED_ELEMENT(RecentAreas)
+    QML_UNCREATABLE("They belong to the model.")
+};
+
+struct AreaSelectionType {
+    Q_GADGET
+    QML_FOREIGN(vantry::AreaSelection)
+    QML_NAMED_ELEMENT(AreaSelection)
 };
 
 struct FieldBindingType {

@@ -15,6 +15,7 @@ QtObject {
     readonly property color shade: "#90000000"
     readonly property color stage: "#0f0f14"
     readonly property color ring: "#ffffff" ///< Around the bubble, as in the video.
+    readonly property color outside: "#99000000" ///< Over what is not chosen.
 
     // What is written.
     readonly property color ink: "#f2f5fa"
@@ -87,6 +88,8 @@ QtObject {
     readonly property int panelIcon: 20
     readonly property int target: 28 ///< The least height of what is pressed.
     readonly property int panelTarget: 32 ///< The same in the panel.
+    readonly property int handle: 12 ///< What an edge is dragged by.
+    readonly property int areaLine: 2 ///< Around what is chosen.
 
     /// Milliseconds before a help text is shown.
     readonly property int helpDelay: 600
