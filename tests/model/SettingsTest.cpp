@@ -61,34 +61,12 @@ TEST_F(SettingsTest, storedValuesOfAnotherKindMeanTheDefaults)
 TEST_F(SettingsTest, theFileHasTheKnownKeysAndFormsAndACommaNeedsNoQuotes)
 {
     write("displayID=4294967295\ncameraID=cam\nmicID=mic\nlayout=screen\ncorner=topLeft\nbubble=0.5\nexportHeight=720\n"
-          "systemAudio=false
-blur=true
-reduceMotion=true
-model=a,b
-tokensPath=~/my,own/"
-          "tokens
-panelFolded=true
-speechLocale=nb-NO
-speechModel=small
-"
-          "crop=\"{{0, 0.25}, {1, 0.75}}\"
-");
+          "systemAudio=false\nblur=true\nreduceMotion=true\nmodel=a,b\ntokensPath=~/my,own/tokens\n"
+          "panelFolded=true\nspeechLocale=nb-NO\nspeechModel=small\ncrop=\"{{0, 0.25}, {1, 0.75}}\"\n");
     EXPECT_EQ(valuesOf(Settings(m_file)),
-        "displayID=4294967295
-cameraID=cam
-micID=mic
-setupBubble=0.5
-exportHeight=720
-systemAudio=false
-setupBlur=true
-"
-        "reduceMotion=true
-model=a,b
-tokensPath=~/my,own/tokens
-panelFolded=true
-speechLocale=nb-NO
-screen topLeft small 0 0.25 1 "
-        "0.75");
+        "displayID=4294967295\ncameraID=cam\nmicID=mic\nsetupBubble=0.5\nexportHeight=720\nsystemAudio=false\nsetupBlur=true\n"
+        "reduceMotion=true\nmodel=a,b\ntokensPath=~/my,own/tokens\npanelFolded=true\nspeechLocale=nb-NO\n"
+        "screen topLeft small 0 0.25 1 0.75");
 }
 
 TEST_F(SettingsTest, whatIsUsedInsteadOfAChoiceIsNoChoice)
