@@ -19,6 +19,13 @@ Item {
     Accessible.role: Accessible.Graphic
     Accessible.name: qsTr("Preview of the starting layout: %1").arg(layoutName)
 
+    AreaSelection {
+        id: area
+
+        crop: preview.model.settings.setupCrop
+        pixelSize: preview.model.screenPreview.pixelSize
+    }
+
     LayoutPlacement {
         id: placement
 
@@ -26,6 +33,7 @@ Item {
         corner: preview.model.liveCorner
         bubble: preview.model.settings.setupBubble
         frame: Qt.size(stage.width, stage.height)
+        screen: preview.model.screenPreview.hasImage ? Qt.size(area.pixelWidth, area.pixelHeight) : Qt.size(0, 0)
     }
 
     Rectangle {
@@ -42,7 +50,24 @@ Item {
 
         ScreenPlaceholder {
             anchors.fill: parent
+            visible: !preview.model.screenPreview.hasImage && !camera.coversAll
+        }
+
+        Item {
+            x: placement.screenRect.x
+            y: placement.screenRect.y
+            width: placement.screenRect.width
+            height: placement.screenRect.height
             visible: !camera.coversAll
+            clip: true
+
+            ScreenImage {
+                x: -area.shown.x * width
+                y: -area.shown.y * height
+                width: parent.width / area.shown.width
+                height: parent.height / area.shown.height
+                preview: preview.model.screenPreview
+            }
         }
 
         PreviewCamera {

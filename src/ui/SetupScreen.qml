@@ -13,6 +13,16 @@ FocusScope {
 
     readonly property int sideWidth: width < Theme.wideWindow ? Theme.narrowSide : Theme.sideWidth
 
+    Component.onCompleted: model.captureScreenPreview()
+
+    Connections {
+        target: screen.model.settings
+
+        function onDisplayIDChanged() {
+            screen.model.captureScreenPreview();
+        }
+    }
+
     Keys.onReturnPressed: start.click()
     Keys.onEnterPressed: start.click()
 

@@ -36,6 +36,11 @@ ColumnLayout {
         }
     }
 
+    AreaRow {
+        Layout.fillWidth: true
+        model: column.model
+    }
+
     SourceRow {
         Layout.fillWidth: true
         symbol: "qrc:/icons/video.svg"

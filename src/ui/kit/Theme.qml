@@ -82,6 +82,7 @@ QtObject {
     readonly property int narrowSide: 244 ///< The same in a window that is not wide.
     readonly property int wideWindow: 1200
     readonly property int leastPreview: 180
+    readonly property int tipWidth: 320
     readonly property int artSize: 120 ///< Of the record button.
     readonly property int columnWidth: 560 ///< Of a list.
     readonly property int icon: 16
