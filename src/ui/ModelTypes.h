@@ -10,8 +10,8 @@
 #include "model/PreviewFlow.h"
 #include "model/QuitFlow.h"
 #include "model/Readiness.h"
-#include "model/RoomLeft.h"
 #include "model/RecentAreas.h"
+#include "model/RoomLeft.h"
 #include "model/ScreenPreview.h"
 
 #include <QtQml/qqml.h>
