@@ -1,10 +1,9 @@
-pragma ComponentBehavior: Bound
-
 import QtQuick
 import QtQuick.Controls.Basic
 import Vantry
 
-/// The help text of a control, shown below it when the pointer or the focus stays there. Nothing is made before.
+/// The help text of a control, shown below it when the pointer or the focus stays there. Nothing is made before. Its components are not
+/// bound: inside of a delegate, Qt 6.4 would refuse to make a bound one.
 Item {
     id: tip
 
