@@ -65,7 +65,7 @@ TEST_F(SettingsTest, theFileHasTheKnownKeysAndFormsAndACommaNeedsNoQuotes)
           "panelFolded=true\nspeechLocale=nb-NO\nspeechModel=small\ncrop=\"{{0, 0.25}, {1, 0.75}}\"\n");
     EXPECT_EQ(valuesOf(Settings(m_file)),
         "displayID=4294967295\ncameraID=cam\nmicID=mic\nsetupBubble=0.5\nexportHeight=720\nsystemAudio=false\nsetupBlur=true\n"
-        "reduceMotion=true\nmodel=a,b\ntokensPath=~/my,own/tokens\npanelFolded=true\nspeechLocale=nb-NO\n"
+        "reduceMotion=true\nsetupCrop=\nmodel=a,b\ntokensPath=~/my,own/tokens\npanelFolded=true\nspeechLocale=nb-NO\n"
         "screen topLeft small 0 0.25 1 0.75");
 }
 
