@@ -10,6 +10,7 @@
 #include <QDBusVariant>
 
 #include <atomic>
+#include <utility>
 
 namespace vantry {
 
@@ -92,6 +93,7 @@ std::vector<AccessibleElement> elementsIn(const QVariant& answer)
         element.path = path.path();
         elements.push_back(std::move(element));
     }
+    list.endArray();
     return elements;
 }
 
@@ -175,6 +177,7 @@ bool AccessibleTree::isShowing(const AccessibleElement& element) const
     words.beginArray();
     if (!words.atEnd())
         words >> first;
+    words.endArray();
     return (first & showing) != 0;
 }
 
