@@ -156,6 +156,8 @@ TEST_F(PlayerWindowTest, picturesThatWereShownAreGone)
 
 TEST_F(PlayerWindowTest, isDrivenByKeys)
 {
+    const auto button = [this] { return m_desktop.pixels({ m_controls.x + 8, m_first.y - 8, 16, 16 }); };
+    const auto play = button();
     press("Right Right Right");
     EXPECT_TRUE(showsSoon(3));
     press("Left");
@@ -169,6 +171,7 @@ TEST_F(PlayerWindowTest, isDrivenByKeys)
     EXPECT_TRUE(showsSoon(118));
     press("space");
     EXPECT_TRUE(showsSoon(119)) << "it plays to the end";
+    EXPECT_TRUE(holdsSoon([&] { return button() == play; })) << "and stops there";
 
     // Wherever the focus is, as long as that makes no use of them itself.
     press("Tab Home");
