@@ -11,6 +11,7 @@
 #include <atomic>
 #include <cmath>
 #include <limits>
+#include <memory>
 
 namespace vantry {
 
@@ -243,8 +244,8 @@ TEST_F(CaptureSessionTest, aServerThatDoesNotAnswerIsToldUntilItDoes)
     test::MediaServer server;
     const DeviceProgram camera("testcamera", { "lonely-camera" });
     server.freeze();
-    std::atomic<int> lists = 0;
-    const auto listing = session.setOnDevices([&](const MediaDeviceList&) { ++lists; });
+    const auto lists = std::make_shared<std::atomic<int>>(0); // The session outlives this test's body.
+    const auto listing = session.setOnDevices([lists](const MediaDeviceList&) { ++*lists; });
     session.configure("lonely-camera", {});
     session.startCamera();
     settle();
@@ -254,11 +255,11 @@ TEST_F(CaptureSessionTest, aServerThatDoesNotAnswerIsToldUntilItDoes)
     EXPECT_TRUE(awaitTrouble(CaptureSource::MediaServer, "The media server does not answer"));
     EXPECT_TRUE(pumpUntil([&] { return listing.isFinished(); }));
     EXPECT_FALSE(listing.result());
-    EXPECT_EQ(lists, 0) << "nobody knows what there is";
+    EXPECT_EQ(*lists, 0) << "nobody knows what there is";
     server.thaw();
     EXPECT_TRUE(awaitNoTrouble(CaptureSource::MediaServer));
     EXPECT_TRUE(pumpUntil([&] { return session.cameraSize().has_value(); }));
-    EXPECT_GE(lists, 1);
+    EXPECT_GE(*lists, 1);
 }
 
 } // namespace vantry
