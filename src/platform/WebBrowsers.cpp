@@ -69,7 +69,10 @@ void WebBrowsers::add(const std::string& file)
         const auto found = entry.find(key);
         return found == entry.end() ? std::string() : found->second;
     };
-    if ((";" + value("MimeType") + ";").find(";x-scheme-handler/https;") == std::string::npos || value("Hidden") == "true")
+    std::string types = ";";
+    types += value("MimeType");
+    types += ';';
+    if (types.find(";x-scheme-handler/https;") == std::string::npos || value("Hidden") == "true")
         return;
     for (const auto& name : { value("StartupWMClass"), fs::path(file).stem().string(), programOf(value("Exec")) })
         if (!name.empty())
