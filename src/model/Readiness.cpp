@@ -42,14 +42,15 @@ void Readiness::watch()
     look();
 }
 
-/// The root is made with the first recording; until then the disk is that of the folder around it.
+/// A look that waits for a disk is not joined by others. The root is made with the first recording; until then the disk is that of
+/// the folder around it.
 void Readiness::look()
 {
     if (!m_timer.isActive() || m_model.phase() != Phase::setup())
         return;
     if (!m_model.screen())
         return take({ tr("There is no screen that could be recorded. Connect one, or start Vantry in a desktop session."), {} });
-    m_worker.post([this, folder = m_model.root(), rate = bytesPerSecond(*m_model.screen())] {
+    static_cast<void>(m_worker.tryPost([this, folder = m_model.root(), rate = bytesPerSecond(*m_model.screen())] {
         Look look;
         try {
             const fs::path there = checkRecordingsFolder(folder);
@@ -59,7 +60,7 @@ void Readiness::look()
         }
         QMetaObject::invokeMethod(
             this, [this, look] { take(look); }, Qt::QueuedConnection);
-    });
+    }));
 }
 
 void Readiness::take(const Look& look)

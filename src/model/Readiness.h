@@ -50,7 +50,7 @@ private:
     QString m_problem;
     QString m_room;
     QTimer m_timer;
-    Worker m_worker{ "vantry.readiness" };
+    Worker m_worker{ "vantry.readiness", { .capacity = 1, .whenFull = WhenFull::Drop } };
 };
 
 } // namespace vantry

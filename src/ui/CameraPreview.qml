@@ -2,12 +2,17 @@ import QtQuick
 import QtQuick.Controls.impl
 import Vantry
 
-/// The live camera, round, or its place while it delivers nothing.
+/// The live camera, round unless it is said otherwise, or its place while it delivers nothing.
 Rectangle {
     id: frame
 
     required property CameraMirror mirror
     property alias interval: image.interval
+    readonly property bool isLive: image.isLive
+
+    /// The width of the line around it.
+    property real ring: 3
+    property color ringColor: Theme.ink
 
     radius: width / 2
     gradient: Gradient {
@@ -17,10 +22,10 @@ Rectangle {
 
     IconImage {
         anchors.centerIn: parent
-        visible: !image.isLive
+        visible: !frame.isLive
         source: "qrc:/icons/user-round.svg"
         color: Theme.inkSecondary
-        sourceSize { width: parent.width * 0.4; height: parent.height * 0.4 }
+        sourceSize { width: frame.height * 0.4; height: frame.height * 0.4 }
     }
 
     CameraImage {
@@ -37,6 +42,6 @@ Rectangle {
         anchors.fill: parent
         radius: frame.radius
         color: "transparent"
-        border { color: Theme.ink; width: 3 }
+        border { color: frame.ringColor; width: frame.ring }
     }
 }
